@@ -1,0 +1,146 @@
+#ifndef KESTA_DEBUG_H
+#define KESTA_DEBUG_H
+
+#include "KestaExport.h"
+#include "KestaString.h"
+
+#include <string_view>
+#include <type_traits>
+
+#include <pthread.h>
+
+class CKestaExc;
+class CKestaLineFile;
+
+/// Held from `CKestaDebug::initialize` to `CKestaDebug::unInitialize`: while tracing is set up, it
+/// serialises whole entries into the library. Plain and not recursive: a second `initialize` on
+/// the same thread blocks for ever.
+KESTA_API extern pthread_mutex_t ghMutex;
+
+/// The start of an entry into the library: reads the configuration and, unless its level is 0,
+/// takes the mutex and opens the trace log. A host calls it before each unit of work, and
+/// `unInitialize` after it.
+///
+///     initialize();
+///     KestaIPRange range("10.1.*.*");     // traced
+///     unInitialize();
+///
+/// Level 52813 gives a plain log, and writes every line; any other level gives an enciphered one.
+/// A log that can't be opened costs one line of warning on standard output, nothing else.
+///
+/// Blocks while another thread is in an entry with tracing. Throws: `std::bad_alloc` only.
+KESTA_API void initialize();
+
+/// The end of an entry into the library: closes the trace log, and rolls it over when it has grown
+/// too large.
+///
+/// Intended: the mutex is released even when `initialize` did not take it (level 0).
+KESTA_API void unInitialize();
+
+/// The trace log. Everything is static and process-wide.
+///
+/// A line is "[" item type "]:" source ":" message and a newline. It is written when the switch is
+/// on and the configured level is at least the level of the line; docs/trace-log.md tells the bytes
+/// of the file.
+///
+/// Thread contract: nothing here locks but `initialize`, and nothing releases but `unInitialize`;
+/// the other operations count on being called between the two, by the thread that called the first.
+/// With tracing off they may be called from any thread.
+class KESTA_API CKestaDebug
+{
+public:
+    CKestaDebug();
+    virtual ~CKestaDebug();
+
+    /// Takes the mutex, loads the settings and opens the log in the given directory, or, when that
+    /// is empty, in "log/" below the data directory. Always returns 0, the mutex held: a log that
+    /// can't be opened leaves tracing off, with a warning on standard output when the switch of the
+    /// configuration was on. In an entry that is set up already it does nothing more.
+    ///
+    /// Throws: `std::bad_alloc` only; the mutex is held then, too.
+    static int initialize(const CKestaString& strFilePath, bool bEncrypted, int iLevel);
+
+    /// Closes the log, renames it when it is larger than the configured size, resets the settings
+    /// and releases the mutex. Without a log that was set up, it releases the mutex only.
+    static void unInitialize();
+
+    /// Writes one line, if it is to be traced at this level.
+    static void logMessage(const CKestaString& strMessage, const CKestaString& strSource,
+                           const CKestaString& strItemType, int iLevel);
+
+    /// Writes an error object as one line of item type "EXC" at level 1: its source, then its
+    /// number, "," and its message.
+    static void logMessage(const CKestaExc& refException);
+
+    /// Turns the switch on or off, until the end of the entry.
+    static void enable(bool bEnable);
+
+    /// Writes a text as it stands, if the switch is on; there is no test of level.
+    static void writeMessage(const CKestaString& strMessage);
+
+    /// True when a line of this level is to be traced. It is the test that every trace call makes
+    /// before it does anything else; ask it before building a costly message.
+    static bool isTraced(int iLevel) { return isEnabled() && m_iLevel >= iLevel; }
+
+    /// The whole of `KESTA_DEBUG1` and `KESTA_DEBUG2`: makes texts of its arguments, which a call
+    /// does only when the line is to be traced.
+    template <class TSource, class TMessage>
+    static void trace(const TSource& source, const TMessage& message)
+    {
+        writeTrace("MSG", textOf(source), textOf(message));
+    }
+
+private:
+    static bool isEnabled()
+    {
+        return m_strEnabled.size() == 1 && (m_strEnabled[0] == 'Y' || m_strEnabled[0] == 'y');
+    }
+
+    // Whatever is text is looked at where it stands; the rest becomes a CKestaString.
+    template <class T>
+    static auto textOf(const T& text)
+    {
+        if constexpr (std::is_convertible_v<const T&, std::string_view>)
+            return CKestaString::viewOf(text);
+        else
+            return CKestaString(text);
+    }
+
+    static void loadSettings(const CKestaString& strFilePath);
+    static void writeTrace(std::string_view itemType, std::string_view source,
+                           std::string_view message);
+
+    static bool m_bEncrypted;
+    static CKestaString m_strEnabled;
+    static int m_iLevel;
+    static int m_iDebugSize;
+    static bool m_bInitialized;
+    static CKestaString m_strFilePath;
+    static CKestaString m_strNewFile;
+    static CKestaLineFile m_File;
+};
+
+/// Traces a message of the library itself, item type "MSG" and source "FH", at a level.
+///
+/// The message is anything that a `CKestaString` can be made of. While the line is not to be traced
+/// the call costs a test: nothing is made, nothing is allocated.
+///
+///     KESTA_DEBUG1("x", 1);   // [MSG]:FH:x
+template <class TMessage = CKestaString>
+inline void KESTA_DEBUG1(const TMessage& message, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace("FH", message);
+}
+
+/// Traces a message of a source, item type "MSG", at a level.
+///
+///     KESTA_DEBUG2("Acme::start()", "ready", 3);   // [MSG]:Acme::start():ready
+template <class TSource = CKestaString, class TMessage = CKestaString>
+inline void KESTA_DEBUG2(const TSource& source, const TMessage& message, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace(source, message);
+}
+
+#endif

@@ -1,0 +1,8 @@
+#ifndef KESTA_EXPORT_H
+#define KESTA_EXPORT_H
+
+/// Marks what the shared library shows to its hosts; everything else stays hidden when the
+/// library is compiled with `-fvisibility=hidden`.
+#define KESTA_API __attribute__((visibility("default")))
+
+#endif

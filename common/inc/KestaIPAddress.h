@@ -1,0 +1,57 @@
+#ifndef KESTA_IP_ADDRESS_H
+#define KESTA_IP_ADDRESS_H
+
+#include "KestaExport.h"
+#include "KestaString.h"
+
+#include <sys/socket.h>
+
+/// An IP address, held twice: as the text that it was made from, and as a socket address. The base
+/// of the two families.
+///
+/// Of the socket address only the family and the address bytes mean something; the address is in
+/// network byte order, at bytes 4 to 7 for IPv4 (`sockaddr_in`) and 8 to 23 for IPv6
+/// (`sockaddr_in6`). The rest is zero after construction from text.
+///
+/// The operators order by the address bytes, the first byte weighing most, and never look at the
+/// family: an address of the other family is judged by the bytes that stand in the same place. Each
+/// takes a pointer, which must not be null and stays the caller's.
+///
+/// Thread contract: values; distinct objects are independent, and several threads may read one.
+class KESTA_API KestaIPAddress
+{
+public:
+    /// An empty text and no address.
+    KestaIPAddress();
+    KestaIPAddress(const KestaIPAddress& other) = default;
+    KestaIPAddress& operator=(const KestaIPAddress& other) = default;
+    virtual ~KestaIPAddress();
+
+    /// True when this address is below the other or equal to it.
+    virtual bool operator<=(const KestaIPAddress* pAddress) const = 0;
+    /// True when this address is above the other or equal to it.
+    virtual bool operator>=(const KestaIPAddress* pAddress) const = 0;
+    /// True when the two addresses are equal.
+    virtual bool operator==(const KestaIPAddress* pAddress) const = 0;
+
+    /// A copy of the socket address.
+    sockaddr_storage getSockAddress() const { return m_binIPAddress; }
+
+    /// The socket address where it stands, as long as this object does.
+    const sockaddr_storage& viewSockAddress() const { return m_binIPAddress; }
+
+    /// Replaces the socket address; the text stays as it is.
+    void setSockAddress(const sockaddr_storage& address) { m_binIPAddress = address; }
+
+    /// A copy of the text.
+    CKestaString getStrAddress() const { return m_strIPAddress; }
+
+    /// Replaces the text; the socket address stays as it is.
+    void setStrAddress(const CKestaString& strAddress) { m_strIPAddress = strAddress; }
+
+protected:
+    CKestaString m_strIPAddress;
+    sockaddr_storage m_binIPAddress;
+};
+
+#endif

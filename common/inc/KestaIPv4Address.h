@@ -1,0 +1,60 @@
+#ifndef KESTA_IPV4_ADDRESS_H
+#define KESTA_IPV4_ADDRESS_H
+
+#include "KestaExport.h"
+#include "KestaIPAddress.h"
+
+#include <netinet/in.h>
+
+/// An IPv4 address value; `KestaIPAddress` tells what all addresses have in common.
+///
+/// The four flags name the classes of addresses that the application wants excluded from ranges and
+/// from filtered host addresses. Thread contract: they are process-wide and unguarded; set them
+/// before any thread makes ranges or queries the host.
+class KESTA_API KestaIPv4Address : public KestaIPAddress
+{
+public:
+    /// Intended: no check reads this flag. Ranges may hold loopback addresses, and filtered host
+    /// addresses never do, whatever it says.
+    static bool m_bIPv4LoopBack;
+    /// Excludes 224.0.0.0/4. ("Mutli" is the flag's established spelling.)
+    static bool m_bIPv4MutliCast;
+    /// Excludes 169.254.0.0/16.
+    static bool m_bIPv4LinkLocal;
+    /// Excludes 10.0.0.0/8, 172.16.0.0/12 and 192.168.0.0/16.
+    static bool m_bIPv4SiteLocal;
+
+    /// Reads a text as `inet_aton` does: one to four parts in decimal, octal or hexadecimal, so
+    /// "10.1" is 10.0.0.1. A "%" and what follows it is ignored, but stays in the stored text.
+    ///
+    /// Throws: `CKestaExc`, "Passed string is not a valid IPv4 address " and the text.
+    KestaIPv4Address(const CKestaString& strAddress);
+    KestaIPv4Address(const KestaIPv4Address& other) = default;
+    KestaIPv4Address& operator=(const KestaIPv4Address& other) = default;
+    ~KestaIPv4Address() override;
+
+    bool operator<=(const KestaIPAddress* pAddress) const override;
+    bool operator>=(const KestaIPAddress* pAddress) const override;
+    bool operator==(const KestaIPAddress* pAddress) const override;
+
+    /// -1, 0 or 1: this address is below, equal to or above the other; 0 for a null pointer.
+    int compareTwoIPv4Addresses(const sockaddr_in* other) const;
+
+    /// True for 10.0.0.0/8, 172.16.0.0/12 and 192.168.0.0/16. The address is in network byte order,
+    /// here and below.
+    static bool isIPv4SiteLocalAddress(in_addr address);
+    /// True for 127.0.0.0/8.
+    static bool isIPv4LoopbackAddress(in_addr address);
+    /// True for 169.254.0.0/16.
+    static bool isIPv4LinkLocalAddress(in_addr address);
+    /// True for 224.0.0.0/4.
+    static bool isIPv4MulticastAddress(in_addr address);
+    /// True for 0.0.0.0.
+    static bool isIPv4AnyLocalAddress(in_addr address);
+
+    /// True when the address must not be used: it is of a class that a flag excludes, or 0.0.0.0.
+    /// REQUIRES: the pointer is not null.
+    static bool CheckUnAllowedIPv4AddressTypes(const sockaddr_in* sa);
+};
+
+#endif

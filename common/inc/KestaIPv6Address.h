@@ -1,0 +1,55 @@
+#ifndef KESTA_IPV6_ADDRESS_H
+#define KESTA_IPV6_ADDRESS_H
+
+#include "KestaExport.h"
+#include "KestaIPAddress.h"
+
+#include <netinet/in.h>
+
+/// An IPv6 address value; `KestaIPAddress` tells what all addresses have in common.
+///
+/// The four flags name the classes of addresses that the application wants excluded from ranges and
+/// from filtered host addresses. Thread contract: they are process-wide and unguarded; set them
+/// before any thread makes ranges or queries the host.
+class KESTA_API KestaIPv6Address : public KestaIPAddress
+{
+public:
+    /// Intended: no check reads this flag. Ranges may hold ::1, and filtered host addresses never
+    /// do, whatever it says.
+    static bool m_bIPv6LoopBack;
+    /// Excludes ff00::/8. ("Mutli" is the flag's established spelling.)
+    static bool m_bIPv6MutliCast;
+    /// Excludes fe80::/10.
+    static bool m_bIPv6LinkLocal;
+    /// Excludes fec0::/10.
+    static bool m_bIPv6SiteLocal;
+
+    /// Reads a text as `inet_pton` does. A "%" and what follows it is ignored, but stays in the
+    /// stored text; the scope is not kept.
+    ///
+    /// Throws: `CKestaExc`, "KestaIPv6Address::KestaIPv6Address.Passed string is not a valid IPv6
+    /// address " and the text.
+    KestaIPv6Address(const CKestaString& strAddress);
+    KestaIPv6Address(const KestaIPv6Address& other) = default;
+    KestaIPv6Address& operator=(const KestaIPv6Address& other) = default;
+    ~KestaIPv6Address() override;
+
+    bool operator<=(const KestaIPAddress* pAddress) const override;
+    bool operator>=(const KestaIPAddress* pAddress) const override;
+    bool operator==(const KestaIPAddress* pAddress) const override;
+
+    /// -1, 0 or 1: this address is below, equal to or above the other; 0 for a null pointer.
+    int compareTwoIPv6Addresses(const sockaddr_in6* other) const;
+
+    /// True when the address must not be used: it is of a class that a flag excludes, an
+    /// IPv4-compatible address (::a.b.c.d above ::1), or ::. IPv4-mapped addresses and ::1 pass.
+    /// REQUIRES: the pointer is not null.
+    static bool CheckUnAllowedIPv6AddressTypes(const sockaddr_in6* sa);
+
+private:
+    friend class KestaIPUtilities;
+
+    explicit KestaIPv6Address(const in6_addr& address);
+};
+
+#endif

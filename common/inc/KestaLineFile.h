@@ -1,0 +1,66 @@
+#ifndef KESTA_LINE_FILE_H
+#define KESTA_LINE_FILE_H
+
+#include "KestaExport.h"
+#include "KestaString.h"
+
+#include <cstdio>
+#include <string>
+
+/// A file that is written a line at a time: the bytes under the trace log.
+///
+/// A line is one write of the system, without a buffer between: what was written is in the file
+/// when the call returns, and survives the death of the process. The object owns its stream, which
+/// programs that the host executes do not inherit.
+///
+/// When the disk is full, what can't be written of a line is given up and never comes later; the
+/// next line that finds room starts on a line of its own.
+///
+/// Thread contract: lines may be written from several threads; opening and closing must meet no
+/// other call.
+class KESTA_API CKestaLineFile
+{
+public:
+    /// A closed file.
+    CKestaLineFile() = default;
+
+    /// Closes the file.
+    ~CKestaLineFile();
+
+    CKestaLineFile(const CKestaLineFile&) = delete;
+    CKestaLineFile& operator=(const CKestaLineFile&) = delete;
+
+    /// Opens a file with a mode of `fopen`; a file that is open already is closed first.
+    ///
+    /// Throws: `CKestaExc` 1008 with the path, when the file can't be opened; the object is closed
+    /// then.
+    void open(const CKestaString& strPath, const CKestaString& strMode, bool bEnciphered);
+
+    /// True between a successful `open` and `close`.
+    bool isOpen() const;
+
+    /// Closes the file, if it is open.
+    void close();
+
+    /// Writes a line, which carries its own newline: as it stands, or, in a file opened as
+    /// enciphered, as the host's cipher gives it (as it stands without one), followed by the bytes
+    /// 00 0A. The bytes FE FF precede the first line that goes out at file position 0; the position
+    /// of a file opened to append counts from 0 at every open, so they also stand amid a log that
+    /// was opened again.
+    ///
+    /// Returns false when not all of it could be written, or the file is not open.
+    bool writeLine(std::string strLine);
+
+private:
+    bool encipher(std::string& strLine);
+    bool write(const std::string& strBytes);
+    bool endsAmidLine() const;
+
+    std::FILE* m_pFile = nullptr;
+    bool m_bEnciphered = false;
+    bool m_bAtStart = false;   // nothing was written since the file was opened
+    bool m_bLimited = false;   // the process had a limit on the size of its files at opening
+    bool m_bTorn = false;      // the last line was not written whole; outlives closing
+};
+
+#endif

@@ -1,0 +1,164 @@
+#ifndef KESTA_MAP_H
+#define KESTA_MAP_H
+
+#include "KestaException.h"
+#include "KestaString.h"
+
+#include <cstddef>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <type_traits>
+#include <utility>
+
+/// An ordered map of unique keys with a cursor of its own.
+///
+/// Keys ascend by `std::less<K>`; texts compare byte by byte, so "B" stands before "a". Keys and
+/// values are copied in; the map owns its copies, and references that it hands out live as long as
+/// their entry.
+///
+///     map.resetIterator();
+///     for (std::size_t i = 0; i < map.getNoOfItems(); ++i)
+///         map.getKeyValue(strKey, strValue);
+///
+/// The cursor always stands at an entry of this map or at its end: a copied or assigned map starts
+/// at the entry that the other's cursor names, removing the entry under the cursor moves it to the
+/// next, and `removeAll` leaves it at the end.
+///
+/// Thread contract: no locking. The cursor is part of the map, so two walks must not overlap.
+template <class K, class V>
+class CKestaMap
+{
+public:
+    /// An empty map, the cursor at its end.
+    CKestaMap() : m_pIterator(m_stlMap.begin()) {}
+
+    CKestaMap(const CKestaMap& other) : m_stlMap(other.m_stlMap), m_pIterator(sameEntry(other)) {}
+
+    CKestaMap& operator=(const CKestaMap& other)
+    {
+        if (this != &other)
+        {
+            m_stlMap = other.m_stlMap;
+            m_pIterator = sameEntry(other);
+        }
+        return *this;
+    }
+
+    virtual ~CKestaMap() = default;
+
+    /// Inserts the pair. A key that is there already keeps its value, silently; the result is
+    /// true in either case (`forceAdd` replaces).
+    bool add(const K& key, const V& value)
+    {
+        m_stlMap.insert(std::make_pair(key, value));
+        return true;
+    }
+
+    /// Removes the key if it is there, then inserts the pair.
+    void forceAdd(const K& key, const V& value)
+    {
+        const std::pair<const K, V> entry(key, value);   // either may live in the entry removed
+        remove(entry.first);
+        m_stlMap.insert(entry);
+    }
+
+    /// Removes the entry; false when there was none.
+    bool remove(const K& key)
+    {
+        const auto itEntry = m_stlMap.find(key);
+        if (itEntry == m_stlMap.end())
+            return false;
+        if (m_pIterator == itEntry)
+            ++m_pIterator;
+        m_stlMap.erase(itEntry);
+        return true;
+    }
+
+    /// Removes every entry.
+    void removeAll()
+    {
+        m_stlMap.clear();
+        m_pIterator = m_stlMap.end();
+    }
+
+    /// The number of entries.
+    std::size_t getNoOfItems() const { return m_stlMap.size(); }
+
+    /// True when the key is there.
+    bool find(const K& key) const { return m_stlMap.find(key) != m_stlMap.end(); }
+
+    /// The value of a key.
+    ///
+    /// Throws: `CKestaExc`, "CKestaMap::get(). KEY=" and the key, when the key is missing. An `int`
+    /// key is shown as the one character whose code is its low byte, which is intended.
+    V& get(const K& key)
+    {
+        const auto itEntry = m_stlMap.find(key);
+        if (itEntry == m_stlMap.end())
+            throw missing(key);
+        return itEntry->second;
+    }
+
+    /// The same for a map that is only read.
+    const V& get(const K& key) const { return const_cast<CKestaMap&>(*this).get(key); }
+
+    /// Puts the cursor at the first entry.
+    void resetIterator() { m_pIterator = m_stlMap.begin(); }
+
+    /// The value at the cursor, which moves on.
+    ///
+    /// Throws: `CKestaExc_ArrayOutOfBound` at the end.
+    V& getNext() { return next().second; }
+
+    /// Assigns the key and the value at the cursor, which moves on.
+    ///
+    /// Throws: `CKestaExc_ArrayOutOfBound` at the end; the arguments are left as they were.
+    void getKeyValue(K& key, V& value)
+    {
+        const auto& entry = next();
+        key = entry.first;
+        value = entry.second;
+    }
+
+    /// Writes "KEY=", key, tab, "VALUE=", value and a flushed newline to standard output for every
+    /// entry, and leaves the cursor at the end. Returns 0.
+    int dump()
+    {
+        for (resetIterator(); m_pIterator != m_stlMap.end(); ++m_pIterator)
+            std::cout << "KEY=" << m_pIterator->first << "\tVALUE=" << m_pIterator->second
+                      << std::endl;
+        return 0;
+    }
+
+private:
+    typedef std::map<K, V, std::less<K>> CStlMap;
+
+    typename CStlMap::iterator sameEntry(const CKestaMap& other)
+    {
+        const typename CStlMap::const_iterator itOther = other.m_pIterator;
+        return itOther == other.m_stlMap.end() ? m_stlMap.end() : m_stlMap.find(itOther->first);
+    }
+
+    typename CStlMap::value_type& next()
+    {
+        if (m_pIterator == m_stlMap.end())
+            throw CKestaExc_ArrayOutOfBound();
+        return *m_pIterator++;
+    }
+
+    static CKestaExc missing(const K& key)
+    {
+        CKestaString strMessage("CKestaMap::get(). KEY=");
+        if constexpr (std::is_arithmetic_v<K>)
+            strMessage += static_cast<char>(key);
+        else
+            strMessage += key;
+        return CKestaExc(strMessage);
+    }
+
+    CStlMap m_stlMap;
+    typename CStlMap::iterator m_pIterator;
+};
+
+#endif

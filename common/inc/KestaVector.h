@@ -1,0 +1,55 @@
+#ifndef KESTA_VECTOR_H
+#define KESTA_VECTOR_H
+
+#include <cstddef>
+#include <vector>
+
+/// A vector with removal by value. Items are copied in.
+///
+/// Thread contract: no locking; several threads may read one vector.
+template <class T>
+class CKestaVector
+{
+public:
+    /// The number of items.
+    std::size_t size() const { return v.size(); }
+
+    /// Appends a copy of the item.
+    void push_back(const T& item) { v.push_back(item); }
+
+    /// The item at an index, counted from 0. REQUIRES: `0 <= index < size()`; nothing is checked.
+    T& operator[](int index) { return v[static_cast<std::size_t>(index)]; }
+
+    /// The same for a vector that is only read.
+    const T& operator[](int index) const { return v[static_cast<std::size_t>(index)]; }
+
+    /// Removes every item.
+    void clear() { v.clear(); }
+
+    /// Removes items equal to `item`, but the one that moves into a removed item's place is not
+    /// looked at. Intended: of two equal neighbours only the first goes.
+    ///
+    ///     "x", "x", "y"   without "x":   "x", "y"
+    ///     "a", "b", "a"   without "a":   "b"
+    ///
+    /// `item` may be an item of this vector.
+    void remove(const T& item)
+    {
+        const T wanted(item);
+        for (vecIter = v.begin(); vecIter != v.end(); ++vecIter)
+        {
+            if (!(*vecIter == wanted))
+                continue;
+            vecIter = v.erase(vecIter);
+            if (vecIter == v.end())
+                return;
+        }
+    }
+
+private:
+    std::vector<T> v;
+    // Copied along with the items; never read before remove() has set it.
+    typename std::vector<T>::iterator vecIter{};
+};
+
+#endif

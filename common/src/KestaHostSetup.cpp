@@ -1,0 +1,81 @@
+#include "KestaHostSetup.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#ifndef KESTA_DEFAULT_INSTALLED_DIR
+#define KESTA_DEFAULT_INSTALLED_DIR "/opt/fernhold/"
+#endif
+#ifndef KESTA_DEFAULT_DATA_DIR
+#define KESTA_DEFAULT_DATA_DIR "/var/opt/fernhold/"
+#endif
+
+namespace
+{
+
+constexpr std::size_t ulLongestParameter = 2047;
+
+struct CParameter
+{
+    char szEnvironment[24];
+    char szDefault[sizeof KESTA_DEFAULT_INSTALLED_DIR + sizeof KESTA_DEFAULT_DATA_DIR];
+};
+
+constexpr CParameter parameters[] = {
+    {"KESTA_INSTALLED_DIR", KESTA_DEFAULT_INSTALLED_DIR},
+    {"KESTA_DATA_DIR", KESTA_DEFAULT_DATA_DIR},
+};
+constexpr int iParameters = 2;
+
+// What the host has set; plain buffers, so that nothing is left to do when the library is loaded.
+struct CHostValue
+{
+    bool bSet;
+    char szText[ulLongestParameter + 1];
+};
+
+CHostValue hostValues[iParameters];
+CKestaHostSetup::LineCipher pLineCipher = nullptr;
+
+bool isParameter(int iNumber)
+{
+    return iNumber >= 1 && iNumber <= iParameters;
+}
+
+}   // namespace
+
+bool CKestaHostSetup::setParameter(int iNumber, CKestaString strValue)
+{
+    if (!isParameter(iNumber) || strValue.size() > ulLongestParameter)
+        return false;
+    CHostValue& value = hostValues[iNumber - 1];
+    std::strcpy(value.szText, strValue.c_str());
+    value.bSet = true;
+    return true;
+}
+
+CKestaString CKestaHostSetup::getParameter(int iNumber)
+{
+    if (!isParameter(iNumber))
+        return CKestaString();
+    if (hostValues[iNumber - 1].bSet)
+        return hostValues[iNumber - 1].szText;
+
+    // secure_getenv answers nothing in a process with raised privileges: whoever starts such a
+    // process must not choose where it reads its configuration and writes its log.
+    const CParameter& parameter = parameters[iNumber - 1];
+    const char* pszEnvironment = secure_getenv(parameter.szEnvironment);
+    if (pszEnvironment != nullptr && std::strlen(pszEnvironment) <= ulLongestParameter)
+        return pszEnvironment;
+    return parameter.szDefault;
+}
+
+void CKestaHostSetup::setLineCipher(LineCipher pCipher)
+{
+    pLineCipher = pCipher;
+}
+
+CKestaHostSetup::LineCipher CKestaHostSetup::getLineCipher()
+{
+    return pLineCipher;
+}

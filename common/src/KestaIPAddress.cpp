@@ -1,0 +1,5 @@
+#include "KestaIPAddress.h"
+
+KestaIPAddress::KestaIPAddress() : m_binIPAddress() {}
+
+KestaIPAddress::~KestaIPAddress() = default;
