@@ -69,9 +69,7 @@ public:
     static CKestaString getInstalledDir();
 
 private:
-    struct CSettings;
-    static CSettings settings();
-    static void publish(const CSettings& settings);
+    struct CFindings;
 
     static CKestaString m_strInstalledDir;
     static CKestaString m_strDataDir;

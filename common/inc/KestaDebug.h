@@ -123,7 +123,8 @@ private:
 /// Traces a message of the library itself, item type "MSG" and source "FH", at a level.
 ///
 /// The message is anything that a `CKestaString` can be made of. While the line is not to be traced
-/// the call costs a test: nothing is made, nothing is allocated.
+/// the call costs a test: nothing is made, nothing is allocated. A null pointer is refused, with
+/// `std::logic_error`, only when the line is to be traced.
 ///
 ///     KESTA_DEBUG1("x", 1);   // [MSG]:FH:x
 template <class TMessage = CKestaString>

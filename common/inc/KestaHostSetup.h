@@ -18,7 +18,7 @@ class KESTA_API CKestaHostSetup
 {
 public:
     /// Turns a plain trace line (its newline included) into its enciphered form, which may hold
-    /// any bytes. A line whose cipher throws is not written.
+    /// any bytes. A line whose cipher throws is not written. A cipher must not trace.
     typedef std::string (*LineCipher)(const std::string& strLine);
 
     /// Sets a start-up parameter: 1 is the installation directory, 2 the data directory. Both are

@@ -4,6 +4,12 @@
 #include "KestaExport.h"
 #include "KestaString.h"
 
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+#include <endian.h>
+#include <netinet/in.h>
 #include <sys/socket.h>
 
 /// An IP address, held twice: as the text that it was made from, and as a socket address. The base
@@ -50,6 +56,34 @@ public:
     void setStrAddress(const CKestaString& strAddress) { m_strIPAddress = strAddress; }
 
 protected:
+    friend class KestaIPRange;
+
+    /// A text and no address yet.
+    explicit KestaIPAddress(const CKestaString& strAddress);
+
+    // Addresses are compared as numbers: read most significant byte first, as network byte order
+    // has it, they order as their bytes do from the first on. One overload for each family. The
+    // bytes are copied out, because they may have been stored as those of another type.
+    static std::uint32_t numberOf(const sockaddr_in& address)
+    {
+        std::uint32_t uNumber;
+        std::memcpy(&uNumber, &address.sin_addr, sizeof uNumber);
+        return be32toh(uNumber);
+    }
+    static std::pair<std::uint64_t, std::uint64_t> numberOf(const sockaddr_in6& address)
+    {
+        std::uint64_t halves[2];
+        std::memcpy(halves, &address.sin6_addr, sizeof halves);
+        return {be64toh(halves[0]), be64toh(halves[1])};
+    }
+
+    /// The number that stands where the family of `TSocketAddress` keeps its address.
+    template <class TSocketAddress>
+    auto number() const
+    {
+        return numberOf(reinterpret_cast<const TSocketAddress&>(m_binIPAddress));
+    }
+
     CKestaString m_strIPAddress;
     sockaddr_storage m_binIPAddress;
 };

@@ -1,11 +1,14 @@
 #ifndef KESTA_IP_RANGE_H
 #define KESTA_IP_RANGE_H
 
+#include "KestaDebug.h"
 #include "KestaExport.h"
 #include "KestaIPAddress.h"
 #include "KestaString.h"
 
 #include <memory>
+
+#include <netinet/in.h>
 
 /// A range of IP addresses of one family, both ends included, made from one text:
 ///
@@ -63,13 +66,13 @@ public:
     /// compared: ask for like with like. False for a null pointer.
     bool isMember(const KestaIPAddress* address) const;
 
-    /// `KESTA_IPV4_FAMILY` or `KESTA_IPV6_FAMILY`.
+    /// `KESTA_IPV4_FAMILY` or `KESTA_IPV6_FAMILY`; 0 for a range that contains nothing.
     int getAddressFamily() const { return iFamilyType; }
 
-    /// The lowest address; it stays the range's.
+    /// The lowest address, which stays the range's; null for a range that contains nothing.
     KestaIPAddress* getStartAddress() const { return m_startAddress.get(); }
 
-    /// The highest address; it stays the range's.
+    /// The highest address, which stays the range's; null for a range that contains nothing.
     KestaIPAddress* getEndAddress() const { return m_endAddress.get(); }
 
 private:
@@ -80,10 +83,45 @@ private:
     void buildIPv6Wildcard(const CKestaString& strRange);
     void makeIPv6End(int iPrefixLength);
     void traceEnds(const char* pszStart, const char* pszEnd) const;
+    bool isMemberByOperators(const KestaIPAddress* address) const;
+    bool isMemberByOperators(const KestaIPRange& other) const;
+
+    template <class TSocketAddress>
+    bool spans(const KestaIPAddress& first, const KestaIPAddress& last) const
+    {
+        return m_startAddress->number<TSocketAddress>() <= first.number<TSocketAddress>() &&
+               m_endAddress->number<TSocketAddress>() >= last.number<TSocketAddress>();
+    }
+
+    template <class TSocketAddress>
+    bool spans(const KestaIPRange& other) const
+    {
+        return spans<TSocketAddress>(*other.m_startAddress, *other.m_endAddress);
+    }
 
     std::unique_ptr<KestaIPAddress> m_startAddress;
     std::unique_ptr<KestaIPAddress> m_endAddress;
     int iFamilyType = 0;
 };
+
+// Membership is what hosts ask for most, and nearly always with tracing off. So with nothing to
+// trace the bytes of the family are compared in place; the operators, which trace each comparison,
+// are for the rest.
+inline bool KestaIPRange::isMember(const KestaIPAddress* address) const
+{
+    if (CKestaDebug::isTraced(3) || m_startAddress == nullptr || address == nullptr)
+        return isMemberByOperators(address);
+    return iFamilyType == KESTA_IPV4_FAMILY ? spans<sockaddr_in>(*address, *address)
+                                            : spans<sockaddr_in6>(*address, *address);
+}
+
+inline bool KestaIPRange::isMember(const KestaIPRange& other) const
+{
+    if (CKestaDebug::isTraced(3) || m_startAddress == nullptr || iFamilyType != other.iFamilyType)
+        return isMemberByOperators(other);
+    return iFamilyType == KESTA_IPV4_FAMILY
+               ? spans<sockaddr_in>(other) || other.spans<sockaddr_in>(*this)
+               : spans<sockaddr_in6>(other) || other.spans<sockaddr_in6>(*this);
+}
 
 #endif

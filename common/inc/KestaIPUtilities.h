@@ -95,12 +95,10 @@ public:
     /// A length below 0 counts as 0, one above 128 as 128. With a null pointer nothing is made,
     /// and `*end` is left as it was.
     ///
-    /// Throws: `CKestaExc`; `*end` is left as it was then, too.
+    /// Throws: `CKestaExc`, "Unknown Exception" for any exception that is not one; `*end` is left
+    /// as it was then, too.
     static void InitialiseIPv6EndAddress(const sockaddr_in6* start, KestaIPAddress** end,
                                          int prefixLength);
-
-private:
-    static KestaIPv6Address uniformIPv6Address(unsigned char cByte);
 };
 
 #endif

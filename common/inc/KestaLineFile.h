@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <string>
+#include <string_view>
 
 /// A file that is written a line at a time: the bytes under the trace log.
 ///
@@ -16,8 +17,8 @@
 /// When the disk is full, what can't be written of a line is given up and never comes later; the
 /// next line that finds room starts on a line of its own.
 ///
-/// Thread contract: lines may be written from several threads; opening and closing must meet no
-/// other call.
+/// Thread contract: one thread at a time. Several objects and processes may append to one file;
+/// each line stays whole.
 class KESTA_API CKestaLineFile
 {
 public:
@@ -54,12 +55,12 @@ public:
 private:
     bool encipher(std::string& strLine);
     bool write(const std::string& strBytes);
-    bool endsAmidLine() const;
+    bool endsWith(std::string_view lineEnd) const;
 
     std::FILE* m_pFile = nullptr;
     bool m_bEnciphered = false;
     bool m_bAtStart = false;   // nothing was written since the file was opened
-    bool m_bLimited = false;   // the process had a limit on the size of its files at opening
+    bool m_bLimited = false;   // before the first line, the process had a file-size limit
     bool m_bTorn = false;      // the last line was not written whole; outlives closing
 };
 

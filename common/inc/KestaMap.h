@@ -33,13 +33,16 @@ public:
     /// An empty map, the cursor at its end.
     CKestaMap() : m_pIterator(m_stlMap.begin()) {}
 
+    /// The same entries, the cursor at the same one.
     CKestaMap(const CKestaMap& other) : m_stlMap(other.m_stlMap), m_pIterator(sameEntry(other)) {}
 
+    /// The same entries, the cursor at the same one.
     CKestaMap& operator=(const CKestaMap& other)
     {
         if (this != &other)
         {
-            m_stlMap = other.m_stlMap;
+            CStlMap copy(other.m_stlMap);   // if this throws, nothing has changed
+            m_stlMap.swap(copy);
             m_pIterator = sameEntry(other);
         }
         return *this;
@@ -51,16 +54,18 @@ public:
     /// true in either case (`forceAdd` replaces).
     bool add(const K& key, const V& value)
     {
-        m_stlMap.insert(std::make_pair(key, value));
+        m_stlMap.try_emplace(key, value);
         return true;
     }
 
-    /// Removes the key if it is there, then inserts the pair.
+    /// Removes the key if it is there, then inserts the pair. Key and value may be part of the
+    /// entry that is replaced, as in `map.forceAdd(strKey, map.get(strKey))`.
     void forceAdd(const K& key, const V& value)
     {
-        const std::pair<const K, V> entry(key, value);   // either may live in the entry removed
-        remove(entry.first);
-        m_stlMap.insert(entry);
+        const K keyCopy(key);
+        const V valueCopy(value);
+        remove(keyCopy);
+        add(keyCopy, valueCopy);
     }
 
     /// Removes the entry; false when there was none.
@@ -92,16 +97,16 @@ public:
     ///
     /// Throws: `CKestaExc`, "CKestaMap::get(). KEY=" and the key, when the key is missing. An `int`
     /// key is shown as the one character whose code is its low byte, which is intended.
-    V& get(const K& key)
+    V& get(const K& key) { return const_cast<V&>(std::as_const(*this).get(key)); }
+
+    /// The same for a map that is only read.
+    const V& get(const K& key) const
     {
         const auto itEntry = m_stlMap.find(key);
         if (itEntry == m_stlMap.end())
             throw missing(key);
         return itEntry->second;
     }
-
-    /// The same for a map that is only read.
-    const V& get(const K& key) const { return const_cast<CKestaMap&>(*this).get(key); }
 
     /// Puts the cursor at the first entry.
     void resetIterator() { m_pIterator = m_stlMap.begin(); }
@@ -150,7 +155,7 @@ private:
     static CKestaExc missing(const K& key)
     {
         CKestaString strMessage("CKestaMap::get(). KEY=");
-        if constexpr (std::is_arithmetic_v<K>)
+        if constexpr (std::is_arithmetic_v<K> || std::is_enum_v<K>)
             strMessage += static_cast<char>(key);
         else
             strMessage += key;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <deque>
 #include <stack>
+#include <utility>
 
 /// Last in, first out. Items are copied in and out.
 ///
@@ -18,7 +19,7 @@ public:
     virtual ~CKestaStack() = default;
 
     /// Puts a copy of the item on top.
-    void push(T item) { s.push(item); }
+    void push(T item) { s.push(std::move(item)); }
 
     /// A copy of the top item. REQUIRES: the stack is not empty; nothing is checked.
     T top() const { return s.top(); }

@@ -27,10 +27,18 @@
 /// library's exceptions (`std::bad_alloc`, `std::logic_error`).
 class KESTA_API CKestaString : public std::string
 {
+    // What takes texts of other types is a template, so that it takes nothing else: a number, a
+    // nullptr or a class of the host's own goes the way that it would go without. Pointers tell
+    // a base class here, because the host's class may be declared only.
+    template <class T, class TBase>
+    static constexpr bool isDerived = std::is_convertible_v<const T*, const TBase*>;
+
     template <class T>
-    static constexpr bool isText =
-        std::is_convertible_v<const T&, std::string_view> && !std::is_base_of_v<CKestaString, T> &&
-        !std::is_null_pointer_v<T>;
+    static constexpr bool isStdString = isDerived<T, std::string> && !isDerived<T, CKestaString>;
+
+    template <class T>   // literals, pointers and std::string_view
+    static constexpr bool isText = std::is_convertible_v<const T&, std::string_view> &&
+                                   !isDerived<T, std::string> && !std::is_null_pointer_v<T>;
 
 public:
     /// An empty text.
@@ -39,8 +47,11 @@ public:
     /// A copy of a NUL-terminated text.
     CKestaString(const char* psztemp) : std::string(viewOf(psztemp)) {}
 
-    /// A copy of a text up to its first NUL byte.
-    CKestaString(const std::string& strparam) : std::string(strparam.c_str()) {}
+    /// A copy of a `std::string` up to its first NUL byte.
+    template <class T, std::enable_if_t<isStdString<T>, int> = 0>
+    CKestaString(const T& strparam) : std::string(strparam.c_str())
+    {
+    }
 
     /// A copy of the other's text up to its first NUL byte; tokenising starts afresh.
     CKestaString(const CKestaString& strparam) : std::string(strparam.c_str()) {}
@@ -72,7 +83,7 @@ public:
     /// This text up to its first NUL byte, followed by the whole of the other.
     CKestaString operator+(const CKestaString& strparam) const;
 
-    /// The same for literals, pointers, `std::string` and single characters.
+    /// The same for literals, pointers, `std::string_view` and single characters.
     template <class T, class TDecayed = std::decay_t<T>,
               std::enable_if_t<isText<TDecayed> || std::is_same_v<TDecayed, char>, int> = 0>
     CKestaString operator+(T&& text) const
@@ -82,18 +93,31 @@ public:
         return strResult;
     }
 
+    /// The whole of both texts. With a `std::string` on either side, `+` is the one of
+    /// `std::string`, and so is its result.
+    template <class T, std::enable_if_t<isStdString<std::decay_t<T>>, int> = 0>
+    std::string operator+(T&& text) const
+    {
+        std::string strResult;
+        strResult.reserve(size() + text.size());
+        return strResult.append(*this).append(text);
+    }
+
     /// True when the two texts are the same up to their first NUL bytes.
     ///
-    /// `!=`, the orderings, and `==` with a `CKestaString` on its right side alone are left to
-    /// `std::string`, which takes NUL bytes as any other (C++20 turns the latter and `!=` round to
-    /// this operation). Texts without NUL bytes can't tell the difference.
+    /// With `std::string` and `std::string_view` it is the comparison of these, which takes NUL
+    /// bytes as any other; so are the orderings and, in C++17, `!=` and a literal on the left side.
+    /// Texts without NUL bytes can't tell the difference.
     bool operator==(const CKestaString& strparam) const;
 
-    /// The same for literals, pointers and `std::string`.
-    template <class T, std::enable_if_t<isText<T>, int> = 0>
+    /// The same for literals and pointers, and the comparison of whole texts described above.
+    template <class T, std::enable_if_t<isText<T> || isStdString<T>, int> = 0>
     bool operator==(const T& text) const
     {
-        return upToNul(*this) == upToNul(viewOf(text));
+        if constexpr (std::is_class_v<T>)
+            return std::string_view(*this) == viewOf(text);
+        else
+            return upToNul(*this) == viewOf(text);
     }
 
     /// True when the two texts are the same up to their first NUL bytes; with `bCase_Flag` false,
@@ -146,11 +170,13 @@ public:
     double toDouble() const;
 
     /// Takes the white space off both ends of this text, in place, and returns a copy of it.
-    /// The text ends before its first NUL byte afterwards; tokenising starts afresh.
+    ///
+    /// The text ends before its first NUL byte afterwards, and tokenising starts afresh; an empty
+    /// text is left alone, its tokeniser included.
     CKestaString trim();
 
-    /// Takes every white-space byte out of this text, in place, and returns a copy of it.
-    /// The text ends before its first NUL byte afterwards; tokenising starts afresh.
+    /// Takes every white-space byte out of this text, in place, and returns a copy of it. NUL
+    /// bytes, the tokeniser and an empty text fare as with `trim`.
     CKestaString removeSpaces();
 
 private:
@@ -160,15 +186,17 @@ private:
     static std::string_view viewOf(const char& cText) { return std::string_view(&cText, 1); }
     static std::string_view viewOf(const char* pszText)
     {
-        return pszText != nullptr ? std::string_view(pszText) : refuseNull();
+        if (pszText == nullptr)
+            refuseNull();
+        return pszText;
     }
     static std::string_view upToNul(std::string_view text)
     {
         return text.substr(0, text.find('\0'));
     }
-    [[noreturn]] static std::string_view refuseNull();
+    [[noreturn]] static void refuseNull();
 
-    void cutTo(std::size_t ulLength);
+    void renew(std::string_view text);
 
     mutable long m_itokpos = 0;      // where the next token is looked for
     mutable std::string m_szdelim;   // the delimiter last named; empty: none yet

@@ -2,6 +2,7 @@
 #define KESTA_VECTOR_H
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 /// A vector with removal by value. Items are copied in.
@@ -36,20 +37,19 @@ public:
     void remove(const T& item)
     {
         const T wanted(item);
-        for (vecIter = v.begin(); vecIter != v.end(); ++vecIter)
+        auto itKept = v.begin();
+        for (auto itScan = v.begin(); itScan != v.end(); ++itScan, ++itKept)
         {
-            if (!(*vecIter == wanted))
-                continue;
-            vecIter = v.erase(vecIter);
-            if (vecIter == v.end())
-                return;
+            if (*itScan == wanted && ++itScan == v.end())   // the next one stays, unseen
+                break;
+            if (itKept != itScan)
+                *itKept = std::move(*itScan);
         }
+        v.erase(itKept, v.end());
     }
 
 private:
     std::vector<T> v;
-    // Copied along with the items; never read before remove() has set it.
-    typename std::vector<T>::iterator vecIter{};
 };
 
 #endif

@@ -4,6 +4,8 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
+#include <string_view>
 
 CKestaString CKestaConfiguration::m_strInstalledDir;
 CKestaString CKestaConfiguration::m_strDataDir;
@@ -25,20 +27,21 @@ void closeFile(std::FILE* pFile)
 
 }   // namespace
 
-/// What a reading gathers before it is stored.
-struct CKestaConfiguration::CSettings
+/// What a reading has found; a setting that it has not found keeps its value.
+struct CKestaConfiguration::CFindings
 {
-    CKestaString strInstalledDir;
-    CKestaString strDataDir;
-    CKestaString strDebugItems;
-    CKestaString strDebugFile;
-    CKestaString strDebugEnabled;
-    CKestaString strNewFile;
-    int iDebugLevel;
-    int iDebugSize;
+    std::optional<CKestaString> strInstalledDir;
+    std::optional<CKestaString> strDataDir;
+    std::optional<CKestaString> strDebugItems;
+    std::optional<CKestaString> strDebugFile;
+    std::optional<CKestaString> strDebugEnabled;
+    std::optional<CKestaString> strNewFile;
+    std::optional<int> iDebugLevel;
+    std::optional<int> iDebugSize;
 
     int read(const CKestaString& strPath);
-    void store(const CKestaString& strKey, const CKestaString& strValue);
+    void take(std::string_view key, const CKestaString& strValue);
+    void publish() const;
 };
 
 CKestaConfiguration::CKestaConfiguration() = default;
@@ -47,30 +50,30 @@ CKestaConfiguration::~CKestaConfiguration() = default;
 
 int CKestaConfiguration::initialize(const CKestaString& strConfigurationFile)
 {
-    CSettings next = settings();
-    next.strInstalledDir = CKestaHostSetup::getParameter(1);
-    next.strDataDir = CKestaHostSetup::getParameter(2);
-    next.strDebugItems = "ALL";
-    const int iResult = next.read(next.strInstalledDir + "conf" + "/" + strConfigurationFile);
-    publish(next);
+    CFindings findings;
+    findings.strInstalledDir = CKestaHostSetup::getParameter(1);
+    findings.strDataDir = CKestaHostSetup::getParameter(2);
+    findings.strDebugItems = "ALL";
+    const int iResult = findings.read(*findings.strInstalledDir + "conf/" + strConfigurationFile);
+    findings.publish();
     return iResult;
 }
 
 int CKestaConfiguration::setDebugInfo(const CKestaString& strDebugConf)
 {
-    CSettings next = settings();
-    const int iResult = next.read(strDebugConf);
-    publish(next);
+    CFindings findings;
+    const int iResult = findings.read(strDebugConf);
+    findings.publish();
     return iResult;
 }
 
-int CKestaConfiguration::CSettings::read(const CKestaString& strPath)
+int CKestaConfiguration::CFindings::read(const CKestaString& strPath)
 {
+    char szBuffer[BUFSIZ];   // here, not on the heap: the file is read at every entry
     const std::unique_ptr<std::FILE, decltype(&closeFile)> pFile(std::fopen(strPath.c_str(), "re"),
                                                                  &closeFile);
     if (pFile == nullptr)
         return -1;
-    char szBuffer[BUFSIZ];
     std::setvbuf(pFile.get(), szBuffer, _IOFBF, sizeof szBuffer);
 
     char szPiece[1024];   // a longer line is taken as several
@@ -80,73 +83,73 @@ int CKestaConfiguration::CSettings::read(const CKestaString& strPath)
     bool bSectionFound = false;
     while (std::fgets(szPiece, sizeof szPiece, pFile.get()) != nullptr)
     {
-        strLine = szPiece;
+        strLine.assign(szPiece);
         strLine.trim();
         if (strLine.empty() || isComment(strLine))
             continue;
         if (!bSectionFound && strLine == "[DEBUGINFORMATION]")
             bSectionFound = true;
         else if (getKeyValue(strLine, strKey, strValue))
-            store(strKey, strValue);   // wherever it stands: the header opens nothing
+            take(strKey, strValue);   // wherever it stands: the header opens nothing
     }
     return 0;
 }
 
-void CKestaConfiguration::CSettings::store(const CKestaString& strKey, const CKestaString& strValue)
+void CKestaConfiguration::CFindings::take(std::string_view key, const CKestaString& strValue)
 {
-    if (strKey == "DEBUGFILEPATH")
+    if (key == "DEBUGFILEPATH")
         strDebugFile = strValue;
-    else if (strKey == "DEBUG")
+    else if (key == "DEBUG")
         strDebugEnabled = strValue;
-    else if (strKey == "DEBUGLEVEL")
+    else if (key == "DEBUGLEVEL")
         iDebugLevel = strValue.toInt();
-    else if (strKey == "DEBUGITEMS")
+    else if (key == "DEBUGITEMS")
         strDebugItems = strValue;
-    else if (strKey == "DEBUGSIZE")
+    else if (key == "DEBUGSIZE")
         iDebugSize = strValue.toInt();
-    else if (strKey == "DEBUGNEWFILE")
+    else if (key == "DEBUGNEWFILE")
         strNewFile = strValue;
+}
+
+void CKestaConfiguration::CFindings::publish() const
+{
+    // A member that keeps its value is not written: threads under an unchanged file only read.
+    const auto assignChanged = [](auto& member, const auto& found)
+    {
+        if (found.has_value() && !(member == *found))
+            member = *found;
+    };
+    assignChanged(m_strInstalledDir, strInstalledDir);
+    assignChanged(m_strDataDir, strDataDir);
+    assignChanged(m_strDebugItems, strDebugItems);
+    assignChanged(m_stdDebugFile, strDebugFile);
+    assignChanged(m_strDebugEnabled, strDebugEnabled);
+    assignChanged(m_strNewFile, strNewFile);
+    assignChanged(m_iDebugLevel, iDebugLevel);
+    assignChanged(m_iDebugSize, iDebugSize);
 }
 
 bool CKestaConfiguration::getKeyValue(const CKestaString& strSource, CKestaString& strKey,
                                       CKestaString& strValue)
 {
-    const CKestaString strLine(strSource);   // tokenising must not move the caller's cursor
-    if (!strLine.getNextToken(strKey, "="))
+    // As a tokeniser would split, without moving the caller's cursor.
+    const std::size_t ulKeyEnd = strSource.find('=');
+    if (ulKeyEnd == CKestaString::npos)
         return false;
-    strKey.trim();
-    if (strLine.getNextToken(strValue, ""))
+    const std::size_t ulValue = ulKeyEnd + 1;
+    if (ulValue < strSource.size())
+    {
+        strValue.assign(strSource, ulValue, strSource.find('=', ulValue) - ulValue);
         strValue.trim();
+    }
+    strKey.assign(strSource, 0, ulKeyEnd);
+    strKey.trim();
     return true;
 }
 
 bool CKestaConfiguration::isComment(const CKestaString& strLine)
 {
-    return strLine.beginsWith("#");
-}
-
-CKestaConfiguration::CSettings CKestaConfiguration::settings()
-{
-    return {m_strInstalledDir, m_strDataDir, m_strDebugItems, m_stdDebugFile,
-            m_strDebugEnabled, m_strNewFile, m_iDebugLevel,   m_iDebugSize};
-}
-
-void CKestaConfiguration::publish(const CSettings& settings)
-{
-    // A member that keeps its value is not written: threads under an unchanged file only read.
-    const auto assignChanged = [](auto& member, const auto& value)
-    {
-        if (!(member == value))
-            member = value;
-    };
-    assignChanged(m_strInstalledDir, settings.strInstalledDir);
-    assignChanged(m_strDataDir, settings.strDataDir);
-    assignChanged(m_strDebugItems, settings.strDebugItems);
-    assignChanged(m_stdDebugFile, settings.strDebugFile);
-    assignChanged(m_strDebugEnabled, settings.strDebugEnabled);
-    assignChanged(m_strNewFile, settings.strNewFile);
-    assignChanged(m_iDebugLevel, settings.iDebugLevel);
-    assignChanged(m_iDebugSize, settings.iDebugSize);
+    return strLine.c_str()[0] == '#';
 }
 
 int CKestaConfiguration::getDebugLevel()

@@ -90,16 +90,16 @@ void CKestaDebug::loadSettings(const CKestaString& strFilePath)
 {
     if (!strFilePath.empty())
     {
-        m_strFilePath = strFilePath + szLogName;
-        m_strNewFile = CKestaConfiguration::getNewFile() + szOldLogName;
+        m_strFilePath = strFilePath;
+        m_strNewFile = CKestaConfiguration::getNewFile();
     }
     else
     {
-        const CKestaString strDirectory =
-            CKestaHostSetup::getParameter(iDataDirectory) + szDefaultDirectory;
-        m_strFilePath = strDirectory + szLogName;
-        m_strNewFile = strDirectory + szOldLogName;
+        m_strFilePath = CKestaHostSetup::getParameter(iDataDirectory) + szDefaultDirectory;
+        m_strNewFile = m_strFilePath;
     }
+    m_strFilePath += szLogName;
+    m_strNewFile += szOldLogName;
     m_strEnabled = CKestaConfiguration::getDebugInfo();
     m_iDebugSize = CKestaConfiguration::getDebugSize();
 }
@@ -159,9 +159,12 @@ void CKestaDebug::writeTrace(std::string_view itemType, std::string_view source,
     constexpr std::size_t ulPunctuation = 16;   // and the frame of an enciphered line
     std::string strLine;
     strLine.reserve(itemType.size() + source.size() + message.size() + ulPunctuation);
-    strLine.append("[").append(CKestaString::upToNul(itemType));
-    strLine.append("]:").append(CKestaString::upToNul(source));
-    strLine.append(":").append(CKestaString::upToNul(message));
-    strLine.append("\n");
+    strLine += '[';
+    strLine += CKestaString::upToNul(itemType);
+    strLine += "]:";
+    strLine += CKestaString::upToNul(source);
+    strLine += ':';
+    strLine += CKestaString::upToNul(message);
+    strLine += '\n';
     m_File.writeLine(std::move(strLine));
 }

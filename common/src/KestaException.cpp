@@ -113,6 +113,7 @@ CKestaExc_FileNotFound::~CKestaExc_FileNotFound() = default;
 
 std::ostream& operator<<(std::ostream& os, const CKestaExc& refException)
 {
-    return os << refException.GetErrorNumber() << ';' << refException.GetErrorSource() << ';'
-              << refException.GetErrorMessage() << std::endl;
+    // The number goes out as text: in decimal, whatever base the stream is set to.
+    return os << CKestaString(refException.GetErrorNumber()) << ';' << refException.GetErrorSource()
+              << ';' << refException.GetErrorMessage() << std::endl;
 }

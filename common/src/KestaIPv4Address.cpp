@@ -10,9 +10,8 @@ bool KestaIPv4Address::m_bIPv4MutliCast = false;
 bool KestaIPv4Address::m_bIPv4LinkLocal = false;
 bool KestaIPv4Address::m_bIPv4SiteLocal = false;
 
-KestaIPv4Address::KestaIPv4Address(const CKestaString& strAddress)
+KestaIPv4Address::KestaIPv4Address(const CKestaString& strAddress) : KestaIPAddress(strAddress)
 {
-    m_strIPAddress = strAddress;
     auto* pAddress = reinterpret_cast<sockaddr_in*>(&m_binIPAddress);
     if (KestaIPUtilities::convertIPv4StringToAddress(m_strIPAddress, pAddress) == -1)
     {
@@ -50,7 +49,7 @@ int KestaIPv4Address::compareTwoIPv4Addresses(const sockaddr_in* other) const
     KESTA_DEBUG1("In KestaIPv4Address::compareTwoIPv4Addresses() ", 3);
     int iResult = 0;
     if (other != nullptr)
-        iResult = compareAddresses(asIPv4(m_binIPAddress)->sin_addr, other->sin_addr);
+        iResult = threeWay(number<sockaddr_in>(), numberOf(*other));
     KESTA_DEBUG1("Out KestaIPv4Address::compareTwoIPv4Addresses() ", 3);
     return iResult;
 }

@@ -42,9 +42,8 @@ bool isUnspecified(const in6_addr& address)
 
 }   // namespace
 
-KestaIPv6Address::KestaIPv6Address(const CKestaString& strAddress)
+KestaIPv6Address::KestaIPv6Address(const CKestaString& strAddress) : KestaIPAddress(strAddress)
 {
-    m_strIPAddress = strAddress;
     auto* pAddress = reinterpret_cast<sockaddr_in6*>(&m_binIPAddress);
     if (KestaIPUtilities::convertIPv6StringToAddress(m_strIPAddress, pAddress) == -1)
     {
@@ -90,7 +89,7 @@ int KestaIPv6Address::compareTwoIPv6Addresses(const sockaddr_in6* other) const
     KESTA_DEBUG1("In KestaIPv6Address::compareTwoIPv6Addresses() ", 3);
     int iResult = 0;
     if (other != nullptr)
-        iResult = compareAddresses(asIPv6(m_binIPAddress)->sin6_addr, other->sin6_addr);
+        iResult = threeWay(number<sockaddr_in6>(), numberOf(*other));
     KESTA_DEBUG1("Out KestaIPv6Address::compareTwoIPv6Addresses() ", 3);
     return iResult;
 }

@@ -3,8 +3,10 @@
 #include "KestaException.h"
 #include "KestaHostSetup.h"
 
+#include <algorithm>
 #include <csignal>
 #include <ctime>
+#include <string_view>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -13,10 +15,9 @@
 namespace
 {
 
-std::string frameEnd()
-{
-    return std::string("\0\n", 2);
-}
+constexpr std::string_view frameStart("\xFE\xFF", 2);
+constexpr std::string_view frameEnd("\0\n", 2);
+constexpr std::string_view plainEnd("\n");
 
 bool hasFileSizeLimit()
 {
@@ -66,12 +67,8 @@ void CKestaLineFile::open(const CKestaString& strPath, const CKestaString& strMo
     m_pFile = std::fopen(strPath.c_str(), (strMode + "e").c_str());
     if (m_pFile == nullptr)
         throw CKestaExc(1008, "Kesta_Fernhold", strPath);
-    // Without a buffer fwrite is one write, and tells how much of it was done.
-    std::setvbuf(m_pFile, nullptr, _IONBF, 0);
     m_bEnciphered = bEnciphered;
     m_bAtStart = true;
-    // One question at opening spares every line the two system calls of the signal block.
-    m_bLimited = hasFileSizeLimit();
 }
 
 bool CKestaLineFile::isOpen() const
@@ -90,8 +87,12 @@ bool CKestaLineFile::writeLine(std::string strLine)
 {
     if (!isOpen() || (m_bEnciphered && !encipher(strLine)))
         return false;
-    if (m_bTorn && endsAmidLine())
-        strLine.insert(0, m_bEnciphered ? frameEnd() : "\n");
+    const std::string_view lineEnd = m_bEnciphered ? frameEnd : plainEnd;
+    if (m_bTorn && !endsWith(lineEnd))
+        strLine.insert(0, lineEnd);
+    // Asked once, before the first line, so that a line is one system call where there is no limit.
+    if (m_bAtStart)
+        m_bLimited = hasFileSizeLimit();
     if (!m_bLimited)
         return write(strLine);
     const CFileSizeSignalBlock block;
@@ -111,27 +112,36 @@ bool CKestaLineFile::encipher(std::string& strLine)
             return false;   // the host's cipher failed: the line is lost, the caller is not
         }
     }
-    strLine += frameEnd();
+    strLine += frameEnd;
     // A file opened to append counts its position from 0 at every open, whatever it holds: the
     // marks stand amid a log that was opened again, too.
     if (m_bAtStart && std::ftell(m_pFile) == 0)
-        strLine.insert(0, "\xFE\xFF");
+        strLine.insert(0, frameStart);
     return true;
 }
 
 bool CKestaLineFile::write(const std::string& strBytes)
 {
-    const std::size_t ulWritten = std::fwrite(strBytes.data(), 1, strBytes.size(), m_pFile);
-    m_bAtStart = m_bAtStart && ulWritten == 0;
-    m_bTorn = ulWritten < strBytes.size();
-    return !m_bTorn;
+    // Past the stream's buffer: what a full disk refuses must not wait there and come out later.
+    const ssize_t lWritten = ::write(fileno(m_pFile), strBytes.data(), strBytes.size());
+    const bool bWhole = lWritten == static_cast<ssize_t>(strBytes.size());
+    if (lWritten > 0)
+    {
+        m_bAtStart = false;
+        m_bTorn = !bWhole;
+    }
+    return bWhole;
 }
 
-bool CKestaLineFile::endsAmidLine() const
+// An empty file, and one that can't be looked at, count as ending with a whole line.
+bool CKestaLineFile::endsWith(std::string_view lineEnd) const
 {
     const int iFile = fileno(m_pFile);
     struct stat status;
-    char cLast;
-    return fstat(iFile, &status) == 0 && status.st_size > 0 &&
-           pread(iFile, &cLast, 1, status.st_size - 1) == 1 && cLast != '\n';
+    if (fstat(iFile, &status) != 0 || status.st_size == 0)
+        return true;
+    std::string strTail(lineEnd.size(), ' ');
+    const off_t lTail = status.st_size - static_cast<off_t>(strTail.size());
+    const ssize_t lRead = pread(iFile, strTail.data(), strTail.size(), std::max<off_t>(lTail, 0));
+    return lRead < 0 || strTail == lineEnd;
 }

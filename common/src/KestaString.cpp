@@ -8,8 +8,6 @@
 #include <limits>
 #include <stdexcept>
 
-#include <strings.h>
-
 namespace
 {
 
@@ -17,6 +15,18 @@ namespace
 bool isSpace(char c)
 {
     return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+char lowered(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// strcasecmp would go by the host's locale.
+bool sameIgnoringCase(std::string_view left, std::string_view right)
+{
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char cLeft, char cRight) { return lowered(cLeft) == lowered(cRight); });
 }
 
 // memmem takes linear time for every text and delimiter; std::string::find does not.
@@ -67,7 +77,7 @@ CKestaString::CKestaString(bool bval) : std::string(bval ? "True" : "False") {}
 
 CKestaString::~CKestaString() = default;
 
-std::string_view CKestaString::refuseNull()
+void CKestaString::refuseNull()
 {
     throw std::logic_error("CKestaString: a null pointer is no text");
 }
@@ -75,11 +85,7 @@ std::string_view CKestaString::refuseNull()
 CKestaString& CKestaString::operator=(const CKestaString& strparam)
 {
     if (this != &strparam)
-    {
-        assign(strparam.c_str());
-        m_itokpos = 0;
-        m_szdelim.clear();
-    }
+        renew(upToNul(strparam));
     return *this;
 }
 
@@ -97,13 +103,13 @@ bool CKestaString::operator==(const CKestaString& strparam) const
 
 bool CKestaString::equals(const CKestaString& strtocmp, bool bCase_Flag) const
 {
-    return bCase_Flag ? std::strcmp(c_str(), strtocmp.c_str()) == 0
-                      : strcasecmp(c_str(), strtocmp.c_str()) == 0;
+    return equals(strtocmp.c_str(), bCase_Flag);
 }
 
 bool CKestaString::equals(const char* chartocmp, bool bCase_Flag) const
 {
-    return equals(CKestaString(chartocmp), bCase_Flag);
+    const std::string_view text = upToNul(*this);
+    return bCase_Flag ? text == viewOf(chartocmp) : sameIgnoringCase(text, viewOf(chartocmp));
 }
 
 bool CKestaString::beginsWith(const CKestaString& strd) const
@@ -114,9 +120,7 @@ bool CKestaString::beginsWith(const CKestaString& strd) const
 
 bool CKestaString::endsWith(const CKestaString& strd) const
 {
-    // The subtraction wraps for the empty text, to the value that stands for "not found": the
-    // empty text ends with everything, which is intended.
-    return size() - 1 == std::string_view(*this).find_last_of(upToNul(strd));
+    return empty() || upToNul(strd).find(back()) != npos;
 }
 
 int CKestaString::countDelims(const CKestaString& delim) const
@@ -152,10 +156,7 @@ bool CKestaString::getNextToken(CKestaString& result, const std::string& strd) c
     const std::size_t ulNext = ulFound == npos ? size() : ulFound + m_szdelim.size();
     m_itokpos = static_cast<long>(ulNext);
 
-    // Delivered as an assignment would: up to a NUL byte, and with a fresh tokeniser.
-    result.assign(upToNul(std::string_view(*this).substr(ulStart, ulEnd - ulStart)));
-    result.m_itokpos = 0;
-    result.m_szdelim.clear();
+    result.renew(upToNul(std::string_view(*this).substr(ulStart, ulEnd - ulStart)));
     return true;
 }
 
@@ -171,29 +172,29 @@ double CKestaString::toDouble() const
 
 CKestaString CKestaString::trim()
 {
-    const std::string_view text = upToNul(*this);
-    const auto itStart = std::find_if_not(text.begin(), text.end(), isSpace);
-    const auto itEnd = std::find_if_not(text.rbegin(), text.rend(), isSpace).base();
-    if (itStart < itEnd)
-        std::memmove(data(), itStart, static_cast<std::size_t>(itEnd - itStart));
-    cutTo(itStart < itEnd ? static_cast<std::size_t>(itEnd - itStart) : 0);
+    std::string_view text = upToNul(*this);
+    while (!text.empty() && isSpace(text.back()))
+        text.remove_suffix(1);
+    while (!text.empty() && isSpace(text.front()))
+        text.remove_prefix(1);
+    if (!empty())
+        renew(text);
     return *this;
 }
 
 CKestaString CKestaString::removeSpaces()
 {
-    const auto itTextEnd = begin() + static_cast<difference_type>(upToNul(*this).size());
-    const auto itEnd = std::remove_if(begin(), itTextEnd, isSpace);
-    cutTo(static_cast<std::size_t>(itEnd - begin()));
+    char* const pszStart = data();
+    const char* const pszEnd = std::remove_if(pszStart, pszStart + upToNul(*this).size(), isSpace);
+    if (!empty())
+        renew(std::string_view(pszStart, static_cast<std::size_t>(pszEnd - pszStart)));
     return *this;
 }
 
-// The end of trim and removeSpaces. An empty text is left as it is, its tokeniser included.
-void CKestaString::cutTo(std::size_t ulLength)
+// What assigning and delivering a text have in common. The text may be a piece of this one.
+void CKestaString::renew(std::string_view text)
 {
-    if (empty())
-        return;
-    resize(ulLength);
+    assign(text);
     m_itokpos = 0;
     m_szdelim.clear();
 }
