@@ -1,0 +1,42 @@
+#ifndef KESTA_COMMAND_H
+#define KESTA_COMMAND_H
+
+#include <string>
+#include <vector>
+
+namespace CLI
+{
+class App;
+}
+
+class CKestaOutput;
+class KestaIPRange;
+
+/// A subcommand: its constructor tells the command line what it takes.
+class CKestaCommand
+{
+public:
+    virtual ~CKestaCommand() = default;
+
+    CKestaCommand(const CKestaCommand&) = delete;
+    CKestaCommand& operator=(const CKestaCommand&) = delete;
+
+    /// True when the user asks for this command.
+    bool isChosen() const;
+
+    /// Does it, within an entry into the library, and returns the exit status.
+    ///
+    /// Throws: `CKestaToolError` for what the user is to be told.
+    virtual int run(CKestaOutput& output) = 0;
+
+protected:
+    CKestaCommand(CLI::App& root, const char* pszName, const char* pszHelp, const char* pszFooter);
+
+    /// Adds an argument that takes any number of texts.
+    void addTexts(const char* pszName, std::vector<std::string>& texts, const char* pszHelp,
+                  bool bRequired);
+
+    CLI::App& m_app;
+};
+
+#endif

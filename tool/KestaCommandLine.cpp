@@ -1,0 +1,185 @@
+#include "KestaCommandLine.h"
+
+#include "KestaDateCommand.h"
+#include "KestaEntry.h"
+#include "KestaFilterCommand.h"
+#include "KestaHostCommand.h"
+#include "KestaHostSetup.h"
+#include "KestaInput.h"
+#include "KestaLogCommand.h"
+#include "KestaOutput.h"
+#include "KestaRangeCommand.h"
+#include "KestaToolError.h"
+#include "KestaVersion.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <memory>
+#include <string_view>
+
+namespace
+{
+
+const std::string strVersion = "kesta " + std::to_string(KESTA_VERSION_MAJOR) + "." +
+                               std::to_string(KESTA_VERSION_MINOR) + "." +
+                               std::to_string(KESTA_VERSION_PATCH);
+
+/// What the command takes, and what the user gave.
+class CKestaCommandLine
+{
+public:
+    CKestaCommandLine()
+        : m_root("kesta - IP ranges, dates, host facts and trace logs of the Kesta library",
+                 "kesta")
+    {
+        m_root.require_subcommand(1);
+        m_root.fallthrough();   // --data-dir may stand behind the subcommand, too
+        m_root
+            .add_option("--installed-dir", m_strInstalledDir,
+                        "The installation directory; conf/KestaDebug.ini is below it")
+            ->type_name("DIR");
+        m_root.add_option("--data-dir", m_strDataDir, "The data directory; log/ is below it")
+            ->type_name("DIR");
+        m_root.set_version_flag("--version", strVersion, "Show the version");
+        m_root.footer("kesta SUBCOMMAND --help tells more. Exit status: 0 yes or done, 1 no, 2 "
+                      "after an error.");
+        m_commands.push_back(std::make_unique<CKestaRangeCommand>(m_root));
+        m_commands.push_back(std::make_unique<CKestaHostCommand>(m_root));
+        m_commands.push_back(std::make_unique<CKestaDateCommand>(m_root));
+        m_commands.push_back(std::make_unique<CKestaLogCommand>(m_root));
+        m_commands.push_back(std::make_unique<CKestaFilterCommand>(m_root));
+    }
+
+    /// Returns the subcommand that the user asks for, or null when everything that was asked for is
+    /// in the output already. Throws: `CKestaToolError`.
+    CKestaCommand* parse(int argc, char** argv, CKestaOutput& output)
+    {
+        refuseBrackets(argc, argv);
+        try
+        {
+            m_root.parse(argc, argv);
+        }
+        catch (const CLI::CallForHelp&)
+        {
+            output.write(m_root.help());
+            return nullptr;
+        }
+        catch (const CLI::CallForVersion&)
+        {
+            output.write(strVersion + "\n");
+            return nullptr;
+        }
+        catch (const CLI::ParseError& error)
+        {
+            throw CKestaToolError(whatIsWrong(error) + "; " + chosenName() +
+                                  " --help tells what is right");
+        }
+        setDirectory("--installed-dir", 1, m_strInstalledDir);
+        setDirectory("--data-dir", 2, m_strDataDir);
+        return chosenCommand();
+    }
+
+private:
+    // The parser would take a text between brackets for a list of texts.
+    static void refuseBrackets(int argc, char** argv)
+    {
+        for (int i = 1; i < argc; ++i)
+        {
+            const std::string_view text(argv[i]);
+            if (text.size() > 1 && text.front() == '[' && text.back() == ']')
+                throw CKestaToolError("argument " + inQuotes(text) +
+                                      ": an address stands without brackets, and a file of this "
+                                      "name is ./" +
+                                      std::string(text));
+        }
+    }
+
+    std::string whatIsWrong(const CLI::ParseError& error) const
+    {
+        const std::vector<std::string> unknown = m_root.remaining();
+        if (!m_root.get_subcommands().empty() || unknown.empty())
+            return error.what();
+        return inQuotes(unknown.front()) + " is no subcommand; there are range, host, date, log "
+                                           "and filter";
+    }
+
+    std::string chosenName() const
+    {
+        const std::vector<CLI::App*> subcommands = m_root.get_subcommands();
+        return subcommands.empty() ? "kesta" : "kesta " + subcommands.front()->get_name();
+    }
+
+    // The library puts file names right behind a directory, so a missing "/" is added here.
+    void setDirectory(const char* pszOption, int iParameter, std::string strDirectory) const
+    {
+        if (m_root.count(pszOption) == 0)
+            return;
+        if (strDirectory.empty())
+            throw CKestaToolError(std::string(pszOption) + ": names no directory");
+        if (strDirectory.back() != '/')
+            strDirectory += '/';
+        if (!CKestaHostSetup::setParameter(iParameter, strDirectory))
+            throw CKestaToolError(std::string(pszOption) +
+                                  ": a directory has at most 2047 bytes, its last \"/\" included");
+    }
+
+    // There is one: the command line does not parse without.
+    CKestaCommand* chosenCommand() const
+    {
+        return std::find_if(m_commands.begin(), m_commands.end(),
+                            [](const auto& pCommand) { return pCommand->isChosen(); })
+            ->get();
+    }
+
+    CLI::App m_root;
+    std::string m_strInstalledDir;
+    std::string m_strDataDir;
+    std::vector<std::unique_ptr<CKestaCommand>> m_commands;
+};
+
+int runInEntry(CKestaCommand& command, CKestaOutput& output)
+{
+    const CKestaEntry entry;
+    try
+    {
+        const int iStatus = command.run(output);
+        output.flush();
+        return iStatus;
+    }
+    catch (const CKestaInputError&)
+    {
+        output.flush();   // what could be read is worth showing
+        throw;
+    }
+    catch (const CKestaExc& exc)
+    {
+        CKestaDebug::logMessage(exc);
+        throw CKestaToolError(exc.GetErrorMessage());
+    }
+}
+
+}   // namespace
+
+int runKesta(int argc, char** argv)
+{
+    try
+    {
+        CKestaOutput output;
+        CKestaCommandLine commandLine;
+        CKestaCommand* const pCommand = commandLine.parse(argc, argv, output);
+        if (pCommand != nullptr)
+            return runInEntry(*pCommand, output);
+        output.flush();
+        return iStatusYes;
+    }
+    catch (const CKestaReaderGone&)
+    {
+        return iStatusError;
+    }
+    catch (const std::exception& error)
+    {
+        report(error.what());
+        return iStatusError;
+    }
+}

@@ -1,0 +1,155 @@
+#include "KestaFilterScanner.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace
+{
+
+constexpr std::size_t ulLongestStart = 4096;
+
+bool endsAddress(char c)
+{
+    return c == '\n' || c == ' ' || c == ',' || (c >= '\t' && c <= '\r');
+}
+
+const char* findNewline(const char* pByte, const char* pEnd)
+{
+    return static_cast<const char*>(
+        std::memchr(pByte, '\n', static_cast<std::size_t>(pEnd - pByte)));
+}
+
+std::string_view between(const char* pByte, const char* pEnd)
+{
+    return {pByte, static_cast<std::size_t>(pEnd - pByte)};
+}
+
+}   // namespace
+
+CKestaFilterScanner::CKestaFilterScanner(const CKestaAddressSet& set, bool bInvert, CSink& sink)
+    : m_set(set), m_bInvert(bInvert), m_sink(sink)
+{
+}
+
+void CKestaFilterScanner::feed(std::string_view bytes)
+{
+    const char* pByte = bytes.data();
+    const char* const pEnd = pByte + bytes.size();
+    if (m_bDecided || !m_strBegun.empty())
+        pByte = finishLine(pByte, pEnd);
+    if (pByte == pEnd)
+        return;
+
+    const void* const pLastNewline = memrchr(pByte, '\n', static_cast<std::size_t>(pEnd - pByte));
+    if (pLastNewline != nullptr)
+    {
+        const char* const pRest = static_cast<const char*>(pLastNewline) + 1;
+        scanLines(pByte, pRest);
+        pByte = pRest;
+    }
+    beginLine(between(pByte, pEnd));
+}
+
+void CKestaFilterScanner::finish()
+{
+    if (m_bDecided || !m_strBegun.empty())
+        feed("\n");
+    m_ullLine = 0;
+}
+
+// Looks at the line of which an earlier piece held the start. Returns where the next line starts.
+const char* CKestaFilterScanner::finishLine(const char* pByte, const char* pEnd)
+{
+    const char* const pNewline = findNewline(pByte, pEnd);
+    const char* const pRest = pNewline != nullptr ? pNewline + 1 : pEnd;
+    if (!m_bDecided)
+    {
+        std::string strLine;
+        strLine.swap(m_strBegun);
+        strLine.append(pByte, pRest);
+        if (pNewline != nullptr)
+            scanLines(strLine.data(), strLine.data() + strLine.size());
+        else
+            beginLine(strLine);
+        return pRest;
+    }
+    if (m_bDecidedSelected)
+        m_sink.selected(between(pByte, pRest));
+    m_bDecided = pNewline == nullptr;
+    return pRest;
+}
+
+// Looks at whole lines, each with its newline.
+void CKestaFilterScanner::scanLines(const char* pLine, const char* pEnd)
+{
+    const char* pSelected = nullptr;   // where the lines start that are to go out together
+    while (pLine != pEnd)
+    {
+        const char* pStop = pLine;
+        const bool bSelected = isSelected(pLine, pEnd, &pStop);
+        if (bSelected != (pSelected != nullptr))
+        {
+            if (!bSelected)
+                m_sink.selected(between(pSelected, pLine));
+            pSelected = bSelected ? pLine : nullptr;
+        }
+        pLine = *pStop == '\n' ? pStop + 1 : findNewline(pStop, pEnd) + 1;
+    }
+    if (pSelected != nullptr)
+        m_sink.selected(between(pSelected, pEnd));
+}
+
+// Keeps the start of a line that goes on in the next piece, or looks at it, once it is long enough.
+void CKestaFilterScanner::beginLine(std::string_view bytes)
+{
+    if (bytes.size() < ulLongestStart)
+    {
+        m_strBegun = bytes;
+        return;
+    }
+    ++m_ullLine;
+    m_bDecided = true;
+    m_bDecidedSelected = isSelectedSlowly(bytes.substr(0, ulLongestStart));
+    if (m_bDecidedSelected)
+        m_sink.selected(bytes);
+}
+
+// Looks at the address of a line. Tells how far it was looked at: nothing before is a newline.
+bool CKestaFilterScanner::isSelected(const char* pLine, const char* pLimit, const char** ppStop)
+{
+    ++m_ullLine;
+    std::uint32_t uAddress;
+    if (const char* const pStop = scanIPv4(pLine, uAddress);
+        pStop != nullptr && endsAddress(*pStop))
+    {
+        *ppStop = pStop;
+        return countSelected(m_set.contains(uAddress));
+    }
+    CKestaIPv6Number address;
+    if (const char* const pStop = scanIPv6(pLine, address); pStop != nullptr && endsAddress(*pStop))
+    {
+        *ppStop = pStop;
+        return countSelected(m_set.contains(address));
+    }
+    *ppStop = findNewline(pLine, pLimit);
+    return isSelectedSlowly(between(pLine, *ppStop).substr(0, ulLongestStart));
+}
+
+// Asks the library what the usual forms don't tell.
+bool CKestaFilterScanner::isSelectedSlowly(std::string_view line)
+{
+    const auto itEnd = std::find_if(line.begin(), line.end(), &endsAddress);
+    const std::string_view text = line.substr(0, static_cast<std::size_t>(itEnd - line.begin()));
+    CKestaAddressNumber address;
+    if (text.size() < ulLongestStart && readAddress(text, address))
+        return countSelected(m_set.contains(address));
+    m_sink.unreadable(m_ullLine, text);
+    return false;
+}
+
+bool CKestaFilterScanner::countSelected(bool bInside)
+{
+    const bool bSelected = bInside != m_bInvert;
+    m_ullSelected += bSelected;
+    return bSelected;
+}

@@ -1,0 +1,69 @@
+#ifndef KESTA_FILTER_SCANNER_H
+#define KESTA_FILTER_SCANNER_H
+
+#include "KestaAddressSet.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// Picks lines by the address that each begins with. Bytes go in by pieces of any size; what is
+/// selected comes out in the same order, by pieces that span as many lines as possible.
+///
+/// The address goes up to the first white space or comma, or to the end of the line, and is
+/// whatever the library's address classes read; it must end within the first 4096 bytes of its
+/// line. Lines may be of any length: memory stays the same.
+///
+/// A line whose address can't be read is reported, and never selected.
+class CKestaFilterScanner
+{
+public:
+    /// Takes what the scanner finds.
+    class CSink
+    {
+    public:
+        virtual ~CSink() = default;
+
+        /// Bytes of selected lines, newlines included. They are the scanner's, or the caller's of
+        /// `feed`: valid during the call only.
+        virtual void selected(std::string_view bytes) = 0;
+
+        /// A line, counted from 1, that does not begin with an address; and what it begins with.
+        virtual void unreadable(std::uint64_t ullLine, std::string_view text) = 0;
+    };
+
+    /// Selects the lines whose address is in the set, or, inverted, those whose address is not.
+    /// REQUIRES: set and sink outlive the scanner.
+    CKestaFilterScanner(const CKestaAddressSet& set, bool bInvert, CSink& sink);
+
+    /// Looks at the next bytes of the file.
+    void feed(std::string_view bytes);
+
+    /// The end of the file: a last line without a newline is looked at, and given one. The scanner
+    /// can begin with another file then, its lines counted from 1 anew.
+    void finish();
+
+    /// The number of lines that were selected, in all files.
+    std::uint64_t selectedLines() const { return m_ullSelected; }
+
+private:
+    const char* finishLine(const char* pByte, const char* pEnd);
+    void scanLines(const char* pLine, const char* pEnd);
+    void beginLine(std::string_view bytes);
+    bool isSelected(const char* pLine, const char* pLimit, const char** ppStop);
+    bool isSelectedSlowly(std::string_view line);
+    bool countSelected(bool bInside);
+
+    const CKestaAddressSet& m_set;
+    const bool m_bInvert;
+    CSink& m_sink;
+
+    std::uint64_t m_ullLine = 0;   // the line that is being looked at
+    std::uint64_t m_ullSelected = 0;
+    std::string m_strBegun;            // the start of a line of which more is to come
+    bool m_bDecided = false;           // the rest of a line is to come, which was looked at already
+    bool m_bDecidedSelected = false;   // and is selected
+};
+
+#endif

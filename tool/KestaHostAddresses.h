@@ -1,0 +1,48 @@
+#ifndef KESTA_HOST_ADDRESSES_H
+#define KESTA_HOST_ADDRESSES_H
+
+#include "KestaIPUtilities.h"
+#include "KestaToolError.h"
+
+/// The addresses of this host's interfaces, asked for once.
+class CKestaHostAddresses
+{
+public:
+    /// Throws: `CKestaToolError` when the system does not tell.
+    CKestaHostAddresses()
+    {
+        KestaIPUtilities::StartWSA();
+        if (KestaIPUtilities::queryHostIP(nullptr, m_ipv6, m_ipv4) != 0)
+            throw CKestaToolError("this host's addresses: the system does not tell them");
+    }
+
+    ~CKestaHostAddresses() { KestaIPUtilities::EndWSA(); }
+
+    CKestaHostAddresses(const CKestaHostAddresses&) = delete;
+    CKestaHostAddresses& operator=(const CKestaHostAddresses&) = delete;
+
+    const CKestaArray<KestaIPv4Address>& ipv4() const { return m_ipv4; }
+    const CKestaArray<KestaIPv6Address>& ipv6() const { return m_ipv6; }
+
+    /// Those that the filter keeps.
+    CKestaArray<KestaIPv4Address> filteredIPv4() const
+    {
+        CKestaArray<KestaIPv4Address> kept;
+        KestaIPUtilities::getfilteredIPv4Addresses(kept, m_ipv4);
+        return kept;
+    }
+
+    /// Those that the filter keeps.
+    CKestaArray<KestaIPv6Address> filteredIPv6() const
+    {
+        CKestaArray<KestaIPv6Address> kept;
+        KestaIPUtilities::getfilteredIPv6Addresses(kept, m_ipv6);
+        return kept;
+    }
+
+private:
+    CKestaArray<KestaIPv4Address> m_ipv4;
+    CKestaArray<KestaIPv6Address> m_ipv6;
+};
+
+#endif

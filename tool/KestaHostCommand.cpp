@@ -1,0 +1,114 @@
+#include "KestaHostCommand.h"
+
+#include "KestaAddressText.h"
+#include "KestaExclusion.h"
+#include "KestaHostAddresses.h"
+#include "KestaJson.h"
+#include "KestaTable.h"
+#include "KestaToolError.h"
+
+#include <CLI/CLI.hpp>
+
+struct CKestaHostCommand::CHost
+{
+    struct CEntry
+    {
+        std::string strAddress;
+        std::string strFamily;
+        std::string strClass;
+        bool bKept;
+    };
+
+    std::string strName;
+    std::string strSystem;
+    std::vector<CEntry> entries;
+
+    // The filter keeps the order, and of equal addresses all or none.
+    template <class TAddress>
+    void add(const CKestaArray<TAddress>& all, const CKestaArray<TAddress>& kept)
+    {
+        unsigned int uKept = 0;
+        for (unsigned int u = 0; u < all.size(); ++u)
+        {
+            const TAddress& address = all.getAt(u);
+            const bool bKept = uKept < kept.size() && textOf(kept.getAt(uKept)) == textOf(address);
+            uKept += bKept;
+            entries.push_back({textOf(address), familyOf(address), classOf(address), bKept});
+        }
+    }
+};
+
+namespace
+{
+
+std::string hostName()
+{
+    char szName[1024];
+    if (KestaIPUtilities::queryHostName(szName) != 0)
+        throw CKestaToolError("this host's name: the system does not tell it");
+    return szName;
+}
+
+std::string systemName()
+{
+    CKestaString strName;
+    if (KestaIPUtilities::setOSName(strName) != 0)
+        throw CKestaToolError("the operating system's name: the system does not tell it");
+    return strName;
+}
+
+}   // namespace
+
+CKestaHostCommand::CKestaHostCommand(CLI::App& root)
+    : CKestaCommand(root, "host", "Show the host's name, system and addresses",
+                    "Shows every interface address with its family, its class, and whether the "
+                    "filter keeps it.\nThe filter drops loopback addresses always, and the classes "
+                    "of --exclude.")
+{
+    m_app.add_option("--exclude", m_strExcluded, szExclusionHelp)->type_name("CLASSES");
+    m_app.add_flag("--json", m_bJson, "Write JSON");
+}
+
+int CKestaHostCommand::run(CKestaOutput& output)
+{
+    if (m_app.count("--exclude") > 0)
+        excludeClasses(m_strExcluded);
+    const CKestaHostAddresses addresses;
+    CHost host{hostName(), systemName(), {}};
+    host.add(addresses.ipv4(), addresses.filteredIPv4());
+    host.add(addresses.ipv6(), addresses.filteredIPv6());
+    if (m_bJson)
+        printAsJson(host, output);
+    else
+        print(host, output);
+    return iStatusYes;
+}
+
+void CKestaHostCommand::print(const CHost& host, CKestaOutput& output) const
+{
+    CKestaTable names;
+    names.add(CKestaTable::EColour::plain, {"host", host.strName});
+    names.add(CKestaTable::EColour::plain, {"system", host.strSystem});
+    names.print(output);
+    output.write("\n");
+
+    CKestaTable table;
+    table.add(CKestaTable::EColour::heading, {"ADDRESS", "FAMILY", "CLASS", "FILTER"});
+    for (const CHost::CEntry& entry : host.entries)
+        table.add(
+            entry.bKept ? CKestaTable::EColour::good : CKestaTable::EColour::bad,
+            {entry.strAddress, entry.strFamily, entry.strClass, entry.bKept ? "kept" : "dropped"});
+    table.print(output);
+}
+
+void CKestaHostCommand::printAsJson(const CHost& host, CKestaOutput& output) const
+{
+    CKestaJson addresses = CKestaJson::array();
+    for (const CHost::CEntry& entry : host.entries)
+        addresses.push_back({{"address", entry.strAddress},
+                             {"family", entry.strFamily},
+                             {"class", entry.strClass},
+                             {"kept", entry.bKept}});
+    printJson({{"host", host.strName}, {"system", host.strSystem}, {"addresses", addresses}},
+              output);
+}

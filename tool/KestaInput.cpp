@@ -1,0 +1,84 @@
+#include "KestaInput.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr std::size_t ulBlock = 256 * 1024;
+
+bool isSameFile(const struct stat& left, const struct stat& right)
+{
+    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+}
+
+int openFile(const std::string& strPath)
+{
+    return open(strPath.c_str(), O_RDONLY | O_CLOEXEC);
+}
+
+}   // namespace
+
+CKestaInput::CKestaInput(const std::string& strPath)
+    : CKestaInput(strPath == "-" ? "(standard input)" : strPath,
+                  strPath == "-" ? STDIN_FILENO : openFile(strPath))
+{
+}
+
+std::unique_ptr<CKestaInput> CKestaInput::openIfThere(const std::string& strPath)
+{
+    const int iFile = openFile(strPath);
+    if (iFile < 0 && errno == ENOENT)
+        return nullptr;
+    return std::unique_ptr<CKestaInput>(new CKestaInput(strPath, iFile));
+}
+
+CKestaInput::CKestaInput(const std::string& strName, int iFile) : m_strName(strName), m_file(iFile)
+{
+    if (iFile < 0)
+        throw CKestaInputError(systemError(m_strName, errno));
+    if (isStandardOutput())
+        throw CKestaInputError(m_strName + ": is standard output, too");
+    m_buffer.resize(ulBlock);
+}
+
+std::string_view CKestaInput::read()
+{
+    while (true)
+    {
+        const ssize_t lRead = ::read(m_file.get(), m_buffer.data(), m_buffer.size());
+        if (lRead >= 0)
+            return {m_buffer.data(), static_cast<std::size_t>(lRead)};
+        if (errno != EINTR)
+            throw CKestaInputError(systemError(m_strName, errno));
+    }
+}
+
+bool CKestaInput::isAt(const std::string& strPath) const
+{
+    struct stat own;
+    struct stat other;
+    return fstat(m_file.get(), &own) == 0 && stat(strPath.c_str(), &other) == 0 &&
+           isSameFile(own, other);
+}
+
+bool CKestaInput::rewindIfShortened()
+{
+    struct stat own;
+    if (fstat(m_file.get(), &own) != 0 || own.st_size >= lseek(m_file.get(), 0, SEEK_CUR))
+        return false;
+    lseek(m_file.get(), 0, SEEK_SET);
+    return true;
+}
+
+bool CKestaInput::isStandardOutput() const
+{
+    struct stat own;
+    struct stat output;
+    return fstat(m_file.get(), &own) == 0 && S_ISREG(own.st_mode) &&
+           fstat(STDOUT_FILENO, &output) == 0 && isSameFile(own, output);
+}

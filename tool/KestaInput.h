@@ -1,0 +1,54 @@
+#ifndef KESTA_INPUT_H
+#define KESTA_INPUT_H
+
+#include "KestaDescriptor.h"
+#include "KestaToolError.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// A file that can't be read; the message names it.
+class CKestaInputError : public CKestaToolError
+{
+public:
+    using CKestaToolError::CKestaToolError;
+};
+
+/// A file, or standard input, read in large blocks.
+///
+/// Throws: `CKestaInputError`.
+class CKestaInput
+{
+public:
+    /// Opens a file; "-" is standard input. A file that is standard output, too, is refused:
+    /// reading it would never end.
+    explicit CKestaInput(const std::string& strPath);
+
+    /// The same, or null when there is no such file.
+    static std::unique_ptr<CKestaInput> openIfThere(const std::string& strPath);
+
+    /// The next bytes; none at the end, for now. They stay valid until the next call.
+    std::string_view read();
+
+    /// True when `strPath` still leads to this file.
+    bool isAt(const std::string& strPath) const;
+
+    /// Goes back to the start, and returns true, when the file has become shorter than what was
+    /// read of it.
+    bool rewindIfShortened();
+
+    /// The name to show: the path, or "(standard input)".
+    const std::string& name() const { return m_strName; }
+
+private:
+    CKestaInput(const std::string& strName, int iFile);
+    bool isStandardOutput() const;
+
+    std::string m_strName;
+    CKestaDescriptor m_file;
+    std::vector<char> m_buffer;
+};
+
+#endif

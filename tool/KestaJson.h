@@ -1,0 +1,17 @@
+#ifndef KESTA_JSON_H
+#define KESTA_JSON_H
+
+#include "KestaOutput.h"
+
+#include <nlohmann/json.hpp>
+
+/// An object whose members keep the order that they were added in.
+typedef nlohmann::ordered_json CKestaJson;
+
+/// Writes it, indented, with a newline at its end; bytes that are no UTF-8 become U+FFFD.
+inline void printJson(const CKestaJson& json, CKestaOutput& output)
+{
+    output.write(json.dump(2, ' ', false, CKestaJson::error_handler_t::replace) + "\n");
+}
+
+#endif

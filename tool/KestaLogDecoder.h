@@ -1,0 +1,42 @@
+#ifndef KESTA_LOG_DECODER_H
+#define KESTA_LOG_DECODER_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Turns the bytes of a trace log, plain, framed or mixed, into plain text. Bytes go in by pieces
+/// of any size, and come out as soon as it is known what they are; at most a few are held back.
+///
+/// A text never holds a NUL byte, and FE FF begins no UTF-8 character. So:
+///
+///     00 0A   ends a line; so does a 00 alone, of a frame that was torn
+///     FE FF   is a mark at the start of a line, and amid one where a trace line ("[MSG]:")
+///     follows:
+///             the line before was torn, and the log opened again. Elsewhere it is text.
+///
+/// A line that a frame, a mark or the end of the log cuts short is completed by a newline. A torn
+/// line of a plain log that the next line follows directly stays joined to it: no byte tells them
+/// apart.
+class CKestaLogDecoder
+{
+public:
+    /// Decodes the next bytes, and appends what they mean to a text.
+    void feed(std::string_view bytes, std::string& strText);
+
+    /// The end of the log: appends what was held back, and completes the last line. The decoder
+    /// can begin with another log then.
+    void finish(std::string& strText);
+
+private:
+    const char* copyText(const char* pByte, const char* pEnd, std::string& strText);
+    bool hold(char cByte, std::string& strText);
+    void endLine(std::string& strText);
+    void release(std::string& strText);
+
+    bool m_bLineStart = true;
+    bool m_bAfterNul = false;   // the newline of a frame is to come
+    std::string m_strHeld;      // what may be a mark, and the item type after it
+};
+
+#endif

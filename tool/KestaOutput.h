@@ -1,0 +1,31 @@
+#ifndef KESTA_OUTPUT_H
+#define KESTA_OUTPUT_H
+
+#include <string>
+#include <string_view>
+
+/// Standard output, written in large blocks.
+///
+/// Throws: `CKestaToolError` when it can't be written, `CKestaReaderGone` when nobody reads it any
+/// more.
+class CKestaOutput
+{
+public:
+    CKestaOutput();
+
+    /// Adds bytes.
+    void write(std::string_view bytes);
+
+    /// Writes what was added so far. What is not flushed is lost.
+    void flush();
+
+    /// True when the output is a terminal that shows colours, and the user does not object.
+    static bool isColoured();
+
+private:
+    static void writeAll(std::string_view bytes);
+
+    std::string m_strBuffer;
+};
+
+#endif
