@@ -29,13 +29,21 @@ bool holds(std::string_view text, char c)
     return text.find(c) != npos;
 }
 
-CKestaString replaced(const CKestaString& strText, char cOld, const char* pszNew)
+// The lowest and the highest text that a text with stars stands for.
+CKestaString withStarsLowest(const CKestaString& strText)
+{
+    CKestaString strResult(strText);
+    std::replace(strResult.begin(), strResult.end(), '*', '0');
+    return strResult;
+}
+
+CKestaString withStarsHighest(const CKestaString& strText)
 {
     CKestaString strResult;
     for (const char c : strText)
     {
-        if (c == cOld)
-            strResult += pszNew;
+        if (c == '*')
+            strResult += "255";
         else
             strResult += c;
     }
@@ -135,8 +143,8 @@ void KestaIPRange::buildIPv4(const CKestaString& strRange)
     }
     else
     {
-        m_startAddress = std::make_unique<KestaIPv4Address>(replaced(strRange, '*', "0"));
-        m_endAddress = std::make_unique<KestaIPv4Address>(replaced(strRange, '*', "255"));
+        m_startAddress = std::make_unique<KestaIPv4Address>(withStarsLowest(strRange));
+        m_endAddress = std::make_unique<KestaIPv4Address>(withStarsHighest(strRange));
         traceEnds("KestaIPRange::KestaIPRange()- m_startAddress:-",
                   "KestaIPRange::KestaIPRange()- m_endAddress:-");
     }

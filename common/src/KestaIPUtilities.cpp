@@ -177,24 +177,21 @@ void writeCompressed(const in6_addr& address, char (&szText)[INET6_ADDRSTRLEN])
 {
     constexpr int iGroups = 8;
     std::uint16_t groups[iGroups];
-    for (int i = 0; i < iGroups; ++i)
-        groups[i] =
-            static_cast<std::uint16_t>(address.s6_addr[2 * i] << 8 | address.s6_addr[2 * i + 1]);
+    std::memcpy(groups, &address, sizeof groups);
 
     // The first of the longest runs of zeros gives way to "::", if it is longer than one group.
     int iZeros = iGroups;
     int iZeroGroups = 1;
-    for (int iFirst = 0; iFirst < iGroups; ++iFirst)
+    int iRun = 0;
+    for (int i = 0; i < iGroups; ++i)
     {
-        int iLength = 0;
-        while (iFirst + iLength < iGroups && groups[iFirst + iLength] == 0)
-            ++iLength;
-        if (iLength > iZeroGroups)
+        groups[i] = ntohs(groups[i]);
+        iRun = groups[i] == 0 ? iRun + 1 : 0;
+        if (iRun > iZeroGroups)
         {
-            iZeros = iFirst;
-            iZeroGroups = iLength;
+            iZeroGroups = iRun;
+            iZeros = i + 1 - iRun;
         }
-        iFirst += iLength;
     }
 
     // The IPv4 part of IPv4-compatible and IPv4-mapped addresses keeps its own form.
