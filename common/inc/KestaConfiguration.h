@@ -70,6 +70,7 @@ public:
 
 private:
     struct CFindings;
+    struct CKeyValue;
 
     static CKestaString m_strInstalledDir;
     static CKestaString m_strDataDir;

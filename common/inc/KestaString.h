@@ -161,7 +161,17 @@ public:
     ///
     /// The text may be changed between two calls: a cursor past the end of a text that was
     /// shortened meanwhile ends the walk.
-    bool getNextToken(CKestaString& result, const std::string& strd) const;
+    bool getNextToken(CKestaString& result, const std::string& strd) const
+    {
+        return nextToken(result, strd);
+    }
+
+    /// The same for literals and pointers, of which no `std::string` is made.
+    template <class T, std::enable_if_t<isText<T>, int> = 0>
+    bool getNextToken(CKestaString& result, const T& strd) const
+    {
+        return nextToken(result, viewOf(strd));
+    }
 
     /// The number that the text begins with, as `atoi` reads it; 0 when there is none.
     int toInt() const;
@@ -180,6 +190,7 @@ public:
     CKestaString removeSpaces();
 
 private:
+    friend class CKestaConfiguration;
     friend class CKestaDebug;
 
     static std::string_view viewOf(std::string_view text) { return text; }
@@ -196,6 +207,8 @@ private:
     }
     [[noreturn]] static void refuseNull();
 
+    static std::string_view trimmed(std::string_view text);
+    bool nextToken(CKestaString& result, std::string_view delimiter) const;
     void renew(std::string_view text);
 
     mutable long m_itokpos = 0;      // where the next token is looked for

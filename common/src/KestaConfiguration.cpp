@@ -3,6 +3,7 @@
 #include "KestaHostSetup.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -40,8 +41,28 @@ struct CKestaConfiguration::CFindings
     std::optional<int> iDebugSize;
 
     int read(const CKestaString& strPath);
-    void take(std::string_view key, const CKestaString& strValue);
+    void take(std::string_view key, const std::string& strValue);
     void publish() const;
+};
+
+/// One line split at "=", as a tokeniser would: a value is there only when something follows the
+/// first "=".
+struct CKestaConfiguration::CKeyValue
+{
+    explicit CKeyValue(std::string_view line) : bFound(line.find('=') != std::string_view::npos)
+    {
+        if (!bFound)
+            return;
+        const std::size_t ulKeyEnd = line.find('=');
+        const std::string_view rest = line.substr(ulKeyEnd + 1);
+        key = CKestaString::trimmed(line.substr(0, ulKeyEnd));
+        if (!rest.empty())
+            value = CKestaString::trimmed(rest.substr(0, rest.find('=')));
+    }
+
+    bool bFound;
+    std::string_view key;
+    std::optional<std::string_view> value;
 };
 
 CKestaConfiguration::CKestaConfiguration() = default;
@@ -76,37 +97,40 @@ int CKestaConfiguration::CFindings::read(const CKestaString& strPath)
         return -1;
     std::setvbuf(pFile.get(), szBuffer, _IOFBF, sizeof szBuffer);
 
-    char szPiece[1024];   // a longer line is taken as several
-    CKestaString strLine;
-    CKestaString strKey;
-    CKestaString strValue;   // outlives its line: a line that ends with "=" takes it over
+    char szPiece[1024];     // a longer line is taken as several
+    std::string strValue;   // outlives its line: a line that ends with "=" takes it over
     bool bSectionFound = false;
     while (std::fgets(szPiece, sizeof szPiece, pFile.get()) != nullptr)
     {
-        strLine.assign(szPiece);
-        strLine.trim();
-        if (strLine.empty() || isComment(strLine))
+        const std::string_view line = CKestaString::trimmed(szPiece);
+        if (line.empty() || line.front() == '#')
             continue;
-        if (!bSectionFound && strLine == "[DEBUGINFORMATION]")
+        if (!bSectionFound && line == "[DEBUGINFORMATION]")
+        {
             bSectionFound = true;
-        else if (getKeyValue(strLine, strKey, strValue))
-            take(strKey, strValue);   // wherever it stands: the header opens nothing
+            continue;
+        }
+        const CKeyValue found(line);
+        if (found.value.has_value())
+            strValue = *found.value;
+        if (found.bFound)
+            take(found.key, strValue);   // wherever it stands: the header opens nothing
     }
     return 0;
 }
 
-void CKestaConfiguration::CFindings::take(std::string_view key, const CKestaString& strValue)
+void CKestaConfiguration::CFindings::take(std::string_view key, const std::string& strValue)
 {
     if (key == "DEBUGFILEPATH")
         strDebugFile = strValue;
     else if (key == "DEBUG")
         strDebugEnabled = strValue;
     else if (key == "DEBUGLEVEL")
-        iDebugLevel = strValue.toInt();
+        iDebugLevel = std::atoi(strValue.c_str());
     else if (key == "DEBUGITEMS")
         strDebugItems = strValue;
     else if (key == "DEBUGSIZE")
-        iDebugSize = strValue.toInt();
+        iDebugSize = std::atoi(strValue.c_str());
     else if (key == "DEBUGNEWFILE")
         strNewFile = strValue;
 }
@@ -132,18 +156,13 @@ void CKestaConfiguration::CFindings::publish() const
 bool CKestaConfiguration::getKeyValue(const CKestaString& strSource, CKestaString& strKey,
                                       CKestaString& strValue)
 {
-    // As a tokeniser would split, without moving the caller's cursor.
-    const std::size_t ulKeyEnd = strSource.find('=');
-    if (ulKeyEnd == CKestaString::npos)
+    const CKeyValue found(strSource);
+    if (!found.bFound)
         return false;
-    const std::size_t ulValue = ulKeyEnd + 1;
-    if (ulValue < strSource.size())
-    {
-        strValue.assign(strSource, ulValue, strSource.find('=', ulValue) - ulValue);
-        strValue.trim();
-    }
-    strKey.assign(strSource, 0, ulKeyEnd);
-    strKey.trim();
+    const CKestaString strFoundKey(std::string(found.key));   // strKey may be the source
+    if (found.value.has_value())
+        strValue = std::string(*found.value);
+    strKey = strFoundKey;
     return true;
 }
 

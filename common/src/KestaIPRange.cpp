@@ -187,7 +187,9 @@ void KestaIPRange::buildIPv6Prefix(const CKestaString& strRange)
         refuse("Not a Valid prefix for IPv6 Address ", strRange);
     }
 
-    m_startAddress = std::make_unique<KestaIPv6Address>(strRange.substr(0, ulSlash));
+    CKestaString strStart;
+    strStart.assign(strRange, 0, ulSlash);
+    m_startAddress = std::make_unique<KestaIPv6Address>(strStart);
     sockaddr_in6 scratch = *asIPv6(m_startAddress->viewSockAddress());   // the check clears it
     if (!KestaIPUtilities::ValidateIPv6StartAddress(&scratch, iPrefixLength))
     {

@@ -172,6 +172,30 @@ char* writeGroup(char* pszEnd, unsigned int uGroup)
     return pszEnd;
 }
 
+// Reads four decimal parts without leading zeros: the form of nearly every text, at a fifth of what
+// inet_aton takes for it, which all other forms are left to.
+bool readFourParts(const char* pszText, in_addr& address)
+{
+    std::uint32_t uAddress = 0;
+    for (int iPart = 0; iPart < 4; ++iPart)
+    {
+        if (iPart > 0 && *pszText++ != '.')
+            return false;
+        const char* const pszPart = pszText;
+        unsigned int uPart = 0;
+        while (*pszText >= '0' && *pszText <= '9' && uPart <= 255)
+            uPart = uPart * 10 + static_cast<unsigned int>(*pszText++ - '0');
+        const bool bOctal = *pszPart == '0' && pszText - pszPart > 1;
+        if (pszText == pszPart || bOctal || uPart > 255)
+            return false;
+        uAddress = uAddress << 8 | uPart;
+    }
+    if (*pszText != '\0')
+        return false;
+    address.s_addr = htonl(uAddress);
+    return true;
+}
+
 // inet_ntop gives the same text, but takes longer for it than all else that goes into a range.
 void writeCompressed(const in6_addr& address, char (&szText)[INET6_ADDRSTRLEN])
 {
@@ -378,8 +402,7 @@ int KestaIPUtilities::convertIPv4StringToAddress(const CKestaString& text, socka
     KESTA_DEBUG1("In KestaIPUtilities::convertIPv4StringToAddress() ", 3);
     const CAddressText address(text);
     sa->sin_family = AF_INET;
-    // inet_aton reads all that inet_pton does, and more, but takes three times as long for it.
-    if (inet_pton(AF_INET, address.c_str(), &sa->sin_addr) != 1 &&
+    if (!readFourParts(address.c_str(), sa->sin_addr) &&
         inet_aton(address.c_str(), &sa->sin_addr) == 0)
     {
         KESTA_DEBUG2("KestaIPUtilities::convertIPv4StringToAddress Failed to convert string to "
