@@ -1,0 +1,9 @@
+# Runs PROGRAM with ARGUMENTS and fails unless it succeeds and prints what the file EXPECTED holds.
+execute_process(COMMAND ${PROGRAM} ${ARGUMENTS} RESULT_VARIABLE result OUTPUT_VARIABLE output)
+file(READ ${EXPECTED} expected)
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "${PROGRAM} ended with ${result}; it printed:\n${output}")
+endif()
+if(NOT output STREQUAL expected)
+  message(FATAL_ERROR "${PROGRAM} printed:\n${output}\ninstead of:\n${expected}")
+endif()

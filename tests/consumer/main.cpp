@@ -1,0 +1,39 @@
+// A host as any other: it uses what the headers offer, catches what the library throws, and was
+// told the version that it is linked with.
+
+#include "KestaDate.h"
+#include "KestaDebug.h"
+#include "KestaException.h"
+#include "KestaIPRange.h"
+#include "KestaIPv4Address.h"
+#include "KestaMap.h"
+#include "KestaVersion.h"
+
+#include <iostream>
+
+int main()
+{
+    initialize();
+    const KestaIPRange range("10.1.*.*");
+    const KestaIPv4Address inside("10.1.2.3"), outside("10.2.0.1");
+    bool good = range.isMember(&inside) && !range.isMember(&outside);
+
+    CKestaMap<CKestaString, CKestaDate> dates;
+    dates.add("release", CKestaDate("2/29/2000"));
+    good = good && (dates.get("release") + 1).getDateString(CKestaDate::DDMMYYYY) == "01/03/2000";
+
+    bool caught = false;
+    try
+    {
+        const KestaIPRange refused("no address");
+    }
+    catch (const CKestaExc& exc)   // the type is one and the same on both sides
+    {
+        caught = exc.GetErrorMessage() == "Not a valid IP address no address";
+    }
+    unInitialize();
+
+    std::cout << KESTA_VERSION_MAJOR << '.' << KESTA_VERSION_MINOR << '.' << KESTA_VERSION_PATCH
+              << '\n';
+    return good && caught ? 0 : 1;
+}
