@@ -1,0 +1,130 @@
+// Whatever happens to its files, the library neither crashes nor hangs nor throws, and what it can
+// write it writes whole. Each case runs in a child, as a user whom permissions bind.
+
+#include "support.h"
+
+#include <sys/prctl.h>
+#include <sys/resource.h>
+
+class FaultsTest : public TraceFixture
+{
+protected:
+    void shell(const std::string& commands) const
+    {
+        EXPECT_EQ(std::system(("cd '" + dir + "' && { " + commands + "; }").c_str()), 0)
+            << commands;
+    }
+
+    void dropPrivileges() const
+    {
+        shell("rm -rf * && mkdir conf log");
+        if (geteuid() != 0)
+            return;
+        shell("chown -R 65534:65534 .");
+        ASSERT_TRUE(setgid(65534) == 0 && setuid(65534) == 0);
+        prctl(PR_SET_DUMPABLE, 1);   // the sanitizers look at /proc/self
+    }
+};
+
+// The first entry meets the fault, from its start or from its midst on; the last meets it repaired.
+TEST_F(FaultsTest, OfTheFileSystem)
+{
+    const std::string ini = "conf/KestaDebug.ini", away = "mv " + ini + " x; ",
+                      back = "mv x " + ini;
+    const std::string target = "DEBUGSIZE=0\nDEBUGFILEPATH=" + dir + "log\nDEBUGNEWFILE=";
+    const Lines last{"last"}, all{"first", "amid", "last"};
+    const struct
+    {
+        std::string what, settings, before, amid, repair;
+        int warnings;
+        Lines want;
+    } rows[] = {{"log directory missing", "", "rmdir log", ":", "mkdir log", 1, last},
+        {"log directory read-only", "", "chmod 555 log", ":", "chmod 755 log", 1, last},
+        {"log directory a file", "", "rmdir log; : > log", ":", "rm log; mkdir log", 1, last},
+        {"log a directory", "", "mkdir log/KestaDebug_C.log", ":", "rmdir log/*", 1, last},
+        {"log read-only", "", ": > log/KestaDebug_C.log; chmod 444 log/*", ":", "rm -f log/*", 1,
+            last},
+        {"disk full", "", "ln -s /dev/full log/KestaDebug_C.log", ":", "rm log/*", 0, last},
+        {"roll-over to another disk", target + "/dev/shm", ":", ":", ":", 0, all},
+        {"roll-over to no directory", target + dir + "x", ":", ":", ":", 0, all},
+        {"roll-over read-only", target + dir + "x", "mkdir -m 555 x", ":", ":", 0, all},
+        {"roll-over to a directory", target + dir, "mkdir KestaDebugOld_C.log", ":", ":", 0, all},
+        {"configuration missing", "", away + ":", ":", back, 0, last},
+        {"configuration a directory", "", away + "mkdir " + ini, ":", "rmdir " + ini + "; " + back,
+            0, last},
+        {"configuration unreadable", "", "chmod 0 " + ini, ":", "chmod 600 " + ini, 0, last},
+        {"configuration binary", "", away + "head -c 99999 /bin/sh > " + ini, ":", back, 0, last},
+        {"log deleted", "", ":", "rm log/*", ":", 0, last},
+        {"log truncated", "", ":", ": > log/KestaDebug_C.log", ":", 0, {"amid", "last"}}};
+    for (const auto& row : rows)
+        for (const std::string level : {"52813", "3"})   // both forms of the log
+        {
+            SCOPED_TRACE(row.what + ", level " + level);
+            inChild(
+                [&]
+                {
+                    dropPrivileges();
+                    configure(row.settings + "\nDEBUGLEVEL=" + level);
+                    shell(row.before);
+                    testing::internal::CaptureStdout();
+                    {
+                        const Entry entry;
+                        KESTA_DEBUG1("first", 1);
+                        shell(row.amid);
+                        KESTA_DEBUG1("amid", 1);
+                    }
+                    std::fflush(stdout);
+                    EXPECT_EQ(Lines(testing::internal::GetCapturedStdout()).size(), row.warnings);
+                    shell(row.repair);
+                    traceLine("last");
+                    EXPECT_EQ(messages(), row.want);
+                });
+        }
+}
+
+TEST_F(FaultsTest, FileSizeLimitAmidALine)
+{
+    const std::pair<std::string, std::string> rows[] = {{"52813", "n"}, {"3", "[MSG]:FH"}};
+    for (const auto& row : rows)
+        inChild(
+            [&]
+            {
+                dropPrivileges();
+                configure("DEBUGLEVEL=" + row.first);
+                traceLine("first");
+                rlimit limit{std::filesystem::file_size(logPath()) + 10, RLIM_INFINITY};
+                setrlimit(RLIMIT_FSIZE, &limit);
+                {
+                    const Entry entry;
+                    KESTA_DEBUG1("no room for this", 1);
+                    KESTA_DEBUG1("nor for this", 1);
+                    limit.rlim_cur = RLIM_INFINITY;
+                    setrlimit(RLIMIT_FSIZE, &limit);
+                    KESTA_DEBUG1("later", 1);
+                }
+                traceLine("last");
+                EXPECT_EQ(messages(), (Lines{"first", row.second, "later", "last"}));
+            });
+}
+
+TEST_F(FaultsTest, ConfigurationLineOf100MB)
+{
+    inChild(
+        [&]
+        {
+            const std::string block(1'000'000, 'x');
+            std::ofstream out(dir + "conf/KestaDebug.ini");
+            for (int i = 0; i < 100; ++i)
+                out << block;
+            out << "\nDEBUG=Y\nDEBUGLEVEL=3\nDEBUGSIZE=100\n" << std::flush;
+            rusage before, after;
+            getrusage(RUSAGE_SELF, &before);
+            traceLine("read");
+            getrusage(RUSAGE_SELF, &after);
+            EXPECT_EQ(messages(), Lines{"read"});
+            EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 20'000) << "kB";
+        });
+}
+
+// Freed memory that the sanitizer holds back is not the library's.
+extern "C" const char* __asan_default_options() { return "quarantine_size_mb=1"; }

@@ -1,0 +1,197 @@
+#ifndef KESTA_TESTS_SUPPORT_H
+#define KESTA_TESTS_SUPPORT_H
+
+#include "KestaDebug.h"
+#include "KestaException.h"
+#include "KestaHostSetup.h"
+#include "KestaIPv4Address.h"
+#include "KestaIPv6Address.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+/// Lines of a log, or of any text; sequences are put together with "+".
+struct Lines : std::vector<std::string>
+{
+    using std::vector<std::string>::vector;
+    explicit Lines(const std::string& text)
+    {
+        std::istringstream in(text);
+        for (std::string line; std::getline(in, line);)
+            push_back(line);
+    }
+};
+
+inline Lines operator+(Lines left, const Lines& right)
+{
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+
+inline std::string fileText(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+inline std::string replaced(std::string text, const std::string& from, const std::string& to)
+{
+    for (std::size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size())
+        text.replace(at, from.size(), to);
+    return text;
+}
+
+inline void setExclusions(bool linkLocal, bool siteLocal, bool multicast)
+{
+    KestaIPv4Address::m_bIPv4LinkLocal = KestaIPv6Address::m_bIPv6LinkLocal = linkLocal;
+    KestaIPv4Address::m_bIPv4SiteLocal = KestaIPv6Address::m_bIPv6SiteLocal = siteLocal;
+    KestaIPv4Address::m_bIPv4MutliCast = KestaIPv6Address::m_bIPv6MutliCast = multicast;
+}
+
+/// An entry into the library.
+struct Entry
+{
+    Entry() { initialize(); }
+    ~Entry() { unInitialize(); }
+};
+
+/// A temporary installation directory, which is the data directory, too. It starts with the plain
+/// log on and large enough never to be rolled over.
+class TraceFixture : public testing::Test
+{
+protected:
+    TraceFixture()
+    {
+        std::string name = testing::TempDir() + "kesta-test-XXXXXX";
+        dir = std::string(mkdtemp(name.data())) + "/";
+        std::filesystem::create_directories(dir + "conf");
+        std::filesystem::create_directories(dir + "log");
+        CKestaHostSetup::setParameter(1, dir);
+        CKestaHostSetup::setParameter(2, dir);
+        setExclusions(false, false, false);
+        configure("");
+    }
+    ~TraceFixture() override { std::filesystem::remove_all(dir); }
+
+    /// Writes the configuration: the defaults, then lines that take their place.
+    void configure(const std::string& lines) const
+    {
+        std::ofstream(dir + "conf/KestaDebug.ini")
+            << "DEBUG=Y\nDEBUGLEVEL=52813\nDEBUGFILEPATH==\nDEBUGSIZE=1000000\nDEBUGNEWFILE==\n"
+            << lines;
+    }
+
+    std::string logPath() const { return dir + "log/KestaDebug_C.log"; }
+    std::string log() const { return fileText(logPath()); }
+
+    /// The lines of the log, whichever form it is in, without "[MSG]:FH:".
+    Lines messages() const
+    {
+        std::string text = replaced(log(), std::string("\n\0\n", 3), "\n");
+        text = replaced(replaced(text, std::string("\0\n", 2), "\n"), "\xFE\xFF", "");
+        return Lines(replaced(text, "[MSG]:FH:", ""));
+    }
+
+    /// The lines that an operation traces, without "[MSG]:"; an error that it throws is the last
+    /// line, after "! ".
+    template <class Operation>
+    Lines traced(Operation operation) const
+    {
+        std::filesystem::remove(logPath());
+        Lines thrown;
+        {
+            const Entry entry;
+            try
+            {
+                operation();
+            }
+            catch (const CKestaExc& exc)
+            {
+                thrown.push_back("! " + exc.GetErrorMessage());
+            }
+        }
+        return Lines(replaced(log(), "[MSG]:", "")) + thrown;
+    }
+
+    void traceLine(const CKestaString& message, int level = 1) const
+    {
+        const Entry entry;
+        KESTA_DEBUG1(message, level);
+    }
+
+    std::string dir;
+};
+
+/// Runs a check in a child, where a crash, a hang or a change of the process does no harm.
+template <class Check>
+void inChild(Check check)
+{
+    std::fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0)
+    {
+        alarm(120);
+        check();
+        std::fflush(nullptr);
+        _exit(testing::Test::HasFailure() ? 1 : 0);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0) << "the child failed, crashed or hung";
+}
+
+// The traces of the operations that others are made of.
+inline const Lines parsed4{"FH:In KestaIPUtilities::convertIPv4StringToAddress() ",
+    "FH:Out KestaIPUtilities::convertIPv4StringToAddress "};
+inline const Lines parsed6{"FH:In KestaIPUtilities::convertIPv6StringToAddress()",
+    "FH:Out KestaIPUtilities::convertIPv6StringToAddress()"};
+
+inline Lines unread4(const std::string& text)
+{
+    const std::string in = "KestaIPUtilities::convertIPv4StringToAddress ",
+                      cut = text.substr(0, text.find('%')),
+                      wrong = "Passed string is not a valid IPv4 address";
+    return {parsed4[0], in + "Failed to convert string to address: :" + cut,
+        "KestaIPv4Address::KestaIPv4Address()-" + wrong + ": :" + text, "! " + wrong + " " + text};
+}
+
+inline Lines unread6(const std::string& text)
+{
+    const std::string in = " KestaIPUtilities::convertIPv6StringToAddress()-",
+                      cut = text.substr(0, text.find('%')),
+                      wrong = "Passed string is not a valid IPv6 address ",
+                      name = "KestaIPv6Address::KestaIPv6Address";
+    return {parsed6[0], in + "Failed to convert string to address :" + cut,
+        name + "()-" + wrong + ":" + text, "! " + name + "." + wrong + text};
+}
+
+inline Lines compared(const std::string& family)
+{
+    const std::string name = "Kesta" + family + "Address::compareTwo" + family + "Addresses() ";
+    return {"FH:In " + name, "FH:Out " + name};
+}
+
+inline Lines operated(const std::string& family, const std::string& name)
+{
+    return Lines{"FH:In Kesta" + family + "Address::operator" + name} + compared(family);
+}
+
+/// The class check; that of IPv6 names the IPv4 check in its result.
+inline Lines checked(const std::string& family, bool refused)
+{
+    const std::string start = "FH:Kesta" + family + "Address::CheckUnAllowed";
+    return {start + family + "AddressTypes(): Entered",
+        start + "IPv4AddressTypes(): Returing " + (refused ? "true" : "false")};
+}
+
+#endif
