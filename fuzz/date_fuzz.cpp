@@ -1,0 +1,115 @@
+#include "KestaDate.h"
+#include "fuzz.h"
+
+#include <algorithm>
+#include <ctime>
+#include <tuple>
+
+namespace
+{
+
+typedef std::tuple<int, int, int> Fields;   // month, day, year
+
+Fields fieldsOf(const CKestaDate& date)
+{
+    return {date.getMonth(), date.getDay(), date.getYear()};
+}
+
+int wrapped(long number)
+{
+    return static_cast<int>(static_cast<unsigned int>(number));
+}
+
+Fields parsed(const std::string& text)
+{
+    int numbers[3];
+    std::string part;
+    std::size_t at = text.find('/') == text.npos ? text.size() : 0;
+    for (int& number : numbers)
+    {
+        if (at < text.size())
+            part = text.substr(at, text.find('/', at) - at);
+        at += part.size() + 1;
+        number = std::atoi(part.c_str());
+    }
+    return {numbers[0], numbers[1], numbers[2]};
+}
+
+/// Midnight UTC so many days after a date, -1 when there is none.
+long timeOf(const Fields& fields, long days)
+{
+    std::tm time = {};
+    time.tm_mon = wrapped(std::get<0>(fields) - 1L);
+    time.tm_mday = wrapped(std::get<1>(fields) + days);
+    time.tm_year = wrapped(std::get<2>(fields) - 1900L);
+    return timegm(&time);
+}
+
+Fields dateAt(long seconds)
+{
+    std::tm time;
+    if (gmtime_r(&seconds, &time) == nullptr)
+        return {0, 0, 0};
+    return {time.tm_mon + 1, time.tm_mday, wrapped(time.tm_year + 1900L)};
+}
+
+void checkTexts(const CKestaDate& date, int anyFormat)
+{
+    const auto [month, day, year] = fieldsOf(date);
+    const std::string names = "JanFebMarAprMayJunJulAugSepOctNovDec";
+    std::string name = " ";
+    if (month >= 1 && month <= 12)
+        name = names.substr(static_cast<std::size_t>(month) * 3 - 3, 3);
+    char texts[6][64];
+    std::snprintf(texts[0], 64, "%02d/%02d/%02d", day, month, year % 100);
+    std::snprintf(texts[1], 64, "%02d/%02d/%04d", day, month, year);
+    std::snprintf(texts[2], 64, "%02d/%02d/%02d", month, day, year % 100);
+    std::snprintf(texts[3], 64, "%02d/%02d/%04d", month, day, year);
+    std::snprintf(texts[4], 64, "%s %d, %04d", name.c_str(), day, year);
+    std::snprintf(texts[5], 64, "%d %s %04d", day, name.c_str(), year);
+    for (const int format : {1, 2, 3, 4, 5, 6, anyFormat})
+        CHECK(date.getDateString(format) == texts[format >= 1 && format <= 6 ? format - 1 : 4]);
+    CHECK(date.getMonthString() == name && CKestaDate(texts[3]) == date);
+}
+
+void checkClamping(int month, int day, int year)
+{
+    CKestaDate date(0L);
+    const bool corrected = date.setDate(month, day, year) == 1;
+    const int inYear = std::clamp(year, 1500, 4000), inMonth = std::clamp(month, 1, 12);
+    const int february = inYear % 400 == 0 ? 29 : 28;
+    const int length = inMonth == 2 ? february : 30 + (inMonth + inMonth / 8) % 2;
+    const Fields clamped(inMonth, std::clamp(day, 1, length), inYear);
+    CHECK(fieldsOf(date) == clamped && corrected == (clamped != Fields(month, day, year)));
+}
+
+}   // namespace
+
+/// Two dates; a number of days, of seconds, of a format.
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const auto input = fields(data, size, 5);
+    const CKestaDate date(input[0]), other(input[1]);
+    const auto days = static_cast<unsigned int>(std::atol(input[2].c_str()));
+    const long seconds = std::atol(input[3].c_str());
+    const Fields own = fieldsOf(date), others = fieldsOf(other);
+    CHECK(own == parsed(upToNul(input[0])) && (date == other) == (own == others));
+    checkTexts(date, std::atoi(input[4].c_str()));
+    checkClamping(date.getMonth(), date.getDay(), date.getYear());
+
+    setenv("TZ", "UTC0", 1);
+    const long time = timeOf(own, 0), otherTime = timeOf(others, 0), later = timeOf(own, days);
+    CHECK(date.getTime() == time && fieldsOf(date + days) == dateAt(later));
+    CHECK(fieldsOf(CKestaDate(seconds)) == dateAt(seconds));
+    CHECK(date.compare(other) == (time > otherTime) - (time < otherTime));
+
+    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);   // where not all days are equally long
+    const long midnight = date.getTime();
+    std::tm local = {};
+    CHECK(time == -1 || (localtime_r(&midnight, &local) != nullptr && local.tm_hour == 0));
+    if (time != -1 && otherTime != -1)
+        CHECK(date - other == static_cast<double>(time / 86400 - otherTime / 86400));
+    if (later != -1)
+        CHECK(fieldsOf(date + days) == dateAt(later));
+    return 0;
+}
