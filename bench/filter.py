@@ -1,0 +1,92 @@
+#!/usr/bin/env python3
+"""Sets `kesta filter` against grepcidr, as whole processes, on a million lines of each family.
+
+usage: filter.py KESTA [LINES]
+
+Both select lines by the address at their start, and must select the same ones. They run in turn;
+the times are medians of what the process and its start and end take on the clock.
+"""
+import ipaddress
+import os
+import random
+import shutil
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+RUNS = 15
+
+# (family, our ranges, the same as grepcidr knows them, where half of the addresses lie)
+FAMILIES = [
+    ("IPv4", ["10.1.*.*", "192.168.7.*"], "10.1.0.0/16 192.168.7.0/24",
+     ["10.1.0.0/16", "192.168.7.0/24"]),
+    ("IPv6", ["2001:db8::/32", "fd00:1:*"], "2001:db8::/32 fd00:1::/32",
+     ["2001:db8::/32", "fd00:1::/32"]),
+]
+
+
+def generate(path, networks, lines):
+    """Lines as an access log has them; a fixed seed makes the same ones each time."""
+    chance = random.Random(1)
+    networks = [ipaddress.ip_network(network) for network in networks]
+    bits = networks[0].max_prefixlen
+    with open(path, "w") as file:
+        for _ in range(lines):
+            network = chance.choice(networks)
+            address = int(network[0]) | chance.getrandbits(bits - network.prefixlen)
+            if chance.random() < 0.5:
+                address ^= 1 << (bits - 2)   # a neighbour in another part of the address space
+            print(type(network[0])(address), '- - "GET / HTTP/1.1" 200 512', file=file)
+
+
+def seconds(command, output):
+    with open(output, "wb") as file:
+        start = time.perf_counter()
+        status = subprocess.run(command, stdout=file, check=False).returncode
+        elapsed = time.perf_counter() - start
+    if status != 0:
+        sys.exit(f"{command[0]}: exit status {status}")
+    return elapsed
+
+
+def content(path):
+    with open(path, "rb") as file:
+        return file.read()
+
+
+def compare(directory, kesta, lines, family, ranges, prefixes, networks):
+    path, ours, theirs = (os.path.join(directory, name) for name in ("lines", "ours", "theirs"))
+    generate(path, networks, lines)
+    commands = {ours: [kesta, "filter", *ranges, "-f", path],
+                theirs: ["grepcidr", "-x", prefixes, path]}
+    for output, command in commands.items():
+        seconds(command, output)
+    selected = content(ours)
+    if not selected or selected != content(theirs):
+        sys.exit(f"{family}: kesta filter and grepcidr select different lines")
+
+    times = {output: [] for output in commands}
+    for _ in range(RUNS):
+        for output, command in commands.items():
+            times[output].append(seconds(command, os.devnull))
+    our_time, their_time = (statistics.median(times[output]) for output in (ours, theirs))
+    ratio = our_time / their_time
+    print(f"| kesta filter, {family}, {lines} lines, {selected.count(10)} selected "
+          f"| {our_time * 1000:.0f} ms | grepcidr {ratio:.3g} "
+          f"| grepcidr 1{'' if ratio <= 1 else ' **missed**'} |")
+
+
+def main(kesta, lines=1000000):
+    if not shutil.which("grepcidr"):
+        sys.exit("grepcidr is not installed: kesta filter is not compared")
+    print("| work | time | ÷ peer | at most |")
+    print("|---|---:|---|---|")
+    with tempfile.TemporaryDirectory() as directory:
+        for family in FAMILIES:
+            compare(directory, kesta, int(lines), *family)
+
+
+if __name__ == "__main__":
+    main(*sys.argv[1:])

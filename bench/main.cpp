@@ -1,0 +1,18 @@
+#include "bench.h"
+
+// Compares this library with its peers. scripts/bench runs it and makes a table of the outcome; by
+// itself it takes the options of Google Benchmark.
+int main(int argc, char** argv)
+{
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    addTraceWork();
+    addAddressWork();
+    addTextWork();
+    addDateWork();
+    addLoadWork();
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
