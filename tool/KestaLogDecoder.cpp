@@ -73,6 +73,8 @@ const char* CKestaLogDecoder::copyText(const char* pByte, const char* pEnd, std:
 // are text, it is not taken: it is to be looked at anew.
 bool CKestaLogDecoder::hold(char cByte, std::string& strText)
 {
+    if (m_bLineStart && m_strHeld.size() == 1 && cByte == szMark[0])
+        return true;   // the byte before was of a mark that was torn
     m_strHeld += cByte;
     if (m_bLineStart && m_strHeld == szMark)
         m_strHeld.clear();
