@@ -9,22 +9,13 @@ using Map = CKestaMap<CKestaString, int>;
 static std::string rest(Map& map)
 {
     std::string values;
-    try
-    {
-        for (;;)
-            values += std::to_string(map.getNext());
-    }
-    catch (const CKestaExc_ArrayOutOfBound&)
-    {
-        return values;
-    }
+    EXPECT_THROW(for (;;) values += std::to_string(map.getNext()), CKestaExc_ArrayOutOfBound);
+    return values;
 }
 
 TEST(Map, EntriesAndWalk)
 {
     Map map;
-    map.resetIterator();
-    EXPECT_EQ(rest(map), "");
     for (const char* key : {"B", "a", "A", "a"})
         EXPECT_TRUE(map.add(key, static_cast<int>(map.getNoOfItems()) + 1));
     map.resetIterator();
@@ -57,41 +48,25 @@ TEST(Map, CursorNeverLeavesItsMap)
     EXPECT_EQ(rest(map), "34");
     map.resetIterator();
     map.removeAll();
-    EXPECT_EQ(rest(map), "");
-    EXPECT_EQ(rest(copy) + rest(assigned), "234234");
-}
-
-template <class Key>
-static CKestaString errorOfGet(Key key)
-try
-{
-    return CKestaMap<Key, CKestaString>().get(key);
-}
-catch (const CKestaExc& exc)
-{
-    return exc.GetErrorSource() + "/" + exc.GetErrorMessage();
+    EXPECT_EQ(rest(map) + rest(copy) + rest(assigned), "234234");
 }
 
 TEST(Map, MissingKeys)
 {
-    EXPECT_EQ(errorOfGet(CKestaString("k")), "Fernhold/CKestaMap::get(). KEY=k");
-    EXPECT_EQ(errorOfGet(66), "Fernhold/CKestaMap::get(). KEY=B");
-    EXPECT_EQ(errorOfGet(256 + 7), "Fernhold/CKestaMap::get(). KEY=\a");
+    const std::string error = "! CKestaMap::get(). KEY=";
+    EXPECT_EQ(errorOf([] { Map().get("key"); }), error + "key");
+    EXPECT_EQ(errorOf([] { CKestaMap<int, int>().get(256 + 66); }), error + "B");
 }
 
 TEST(Vector, RemoveSkipsTheNeighbour)
 {
-    const std::string rows[][2] = {{"aa", "a"}, {"aba", "b"}, {"aac", "ac"}, {"aaa", "a"},
-        {"ba", "b"}, {"bc", "bc"}, {"aaaa", "aa"}, {"", ""}};
+    const std::string rows[][2] = {{"aab", "ab"}, {"aba", "b"}, {"aaa", "a"}, {"baa", "aa"}};
     for (const auto& [items, want] : rows)
     {
         CKestaVector<char> vector;
         for (const char c : items)
             vector.push_back(c);
-        vector.remove(items[0] == 'a' ? vector[0] : 'a');
-        std::string left;
-        for (std::size_t i = 0; i < vector.size(); ++i)
-            left += vector[static_cast<int>(i)];
-        EXPECT_EQ(left, want) << items << " without a, an item of its own where it begins with one";
+        vector.remove(vector[0]);   // which moves while it is compared with
+        EXPECT_EQ(std::string(&vector[0], vector.size()), want) << items;
     }
 }

@@ -112,11 +112,9 @@ TEST_F(FaultsTest, ConfigurationLineOf100MB)
     inChild(
         [&]
         {
-            const std::string block(1'000'000, 'x');
-            std::ofstream out(dir + "conf/KestaDebug.ini");
-            for (int i = 0; i < 100; ++i)
-                out << block;
-            out << "\nDEBUG=Y\nDEBUGLEVEL=3\nDEBUGSIZE=100\n" << std::flush;
+            shell("head -c 100000000 /dev/zero | tr '\\0' x > conf/KestaDebug.ini");
+            std::ofstream(dir + "conf/KestaDebug.ini", std::ios::app)
+                << "\nDEBUG=Y\nDEBUGLEVEL=3\nDEBUGSIZE=100\n";
             rusage before, after;
             getrusage(RUSAGE_SELF, &before);
             traceLine("read");

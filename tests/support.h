@@ -58,6 +58,26 @@ inline void setExclusions(bool linkLocal, bool siteLocal, bool multicast)
     KestaIPv4Address::m_bIPv4MutliCast = KestaIPv6Address::m_bIPv6MutliCast = multicast;
 }
 
+/// The socket address that a text of either family stands for.
+inline sockaddr_storage socketOf(const std::string& text)
+{
+    return text.find(':') == text.npos ? KestaIPv4Address(text).getSockAddress()
+                                       : KestaIPv6Address(text).getSockAddress();
+}
+
+/// The error that an operation throws, after "! "; empty when it throws none.
+template <class Operation>
+std::string errorOf(Operation operation)
+try
+{
+    operation();
+    return "";
+}
+catch (const CKestaExc& exc)
+{
+    return "! " + exc.GetErrorMessage();
+}
+
 /// An entry into the library.
 struct Entry
 {
@@ -102,25 +122,17 @@ protected:
         return Lines(replaced(text, "[MSG]:FH:", ""));
     }
 
-    /// The lines that an operation traces, without "[MSG]:"; an error that it throws is the last
-    /// line, after "! ".
+    /// The lines that an operation traces, without "[MSG]:", and the error that it throws.
     template <class Operation>
     Lines traced(Operation operation) const
     {
         std::filesystem::remove(logPath());
-        Lines thrown;
+        std::string error;
         {
             const Entry entry;
-            try
-            {
-                operation();
-            }
-            catch (const CKestaExc& exc)
-            {
-                thrown.push_back("! " + exc.GetErrorMessage());
-            }
+            error = errorOf(operation);
         }
-        return Lines(replaced(log(), "[MSG]:", "")) + thrown;
+        return Lines(replaced(log(), "[MSG]:", "")) + Lines(error);
     }
 
     void traceLine(const CKestaString& message, int level = 1) const
@@ -192,6 +204,20 @@ inline Lines checked(const std::string& family, bool refused)
     const std::string start = "FH:Kesta" + family + "Address::CheckUnAllowed";
     return {start + family + "AddressTypes(): Entered",
         start + "IPv4AddressTypes(): Returing " + (refused ? "true" : "false")};
+}
+
+inline const std::string rangeName = "KestaIPRange::KestaIPRange()";
+inline const Lines rangeIn{"FH:In " + rangeName}, rangeOut{"FH:Out " + rangeName};
+
+inline Lines ends(const std::string& start, const std::string& end)
+{
+    return {rangeName + "- m_startAddress:-:" + start, rangeName + "- m_endAddress:-:" + end};
+}
+
+inline Lines screened(const std::string& start, const std::string& end)
+{
+    return {rangeName + "-Before the filter check startAddress: :" + start,
+        rangeName + "-Before the filter check endAddress: :" + end};
 }
 
 #endif

@@ -2,11 +2,11 @@
 
 #include "support.h"
 
+#include "KestaIPRange.h"
 #include "KestaIPUtilities.h"
 
 #include <cstring>
 
-#include <arpa/inet.h>
 #include <ifaddrs.h>
 #include <sys/utsname.h>
 
@@ -66,33 +66,18 @@ TEST(HostSetup, Parameters)
 class UtilitiesTest : public TraceFixture
 {
 protected:
-    // The interfaces of the host; "" is one without an address, "link" one of another family.
+    // After these, one interface has an address of no known family, and one none at all.
     UtilitiesTest()
     {
-        const char* texts[] = {"link", "", "127.0.0.1", "::1", "192.168.1.5", "fe80::1"};
-        for (const std::string text : texts)
+        const char* texts[] = {"127.0.0.1", "::1", "10.1.2.3", "fe80::1", "192.168.1.5"};
+        for (int i = 0; i < 6; ++i)
         {
-            auto& [entry, address] = entries[count];
-            if (text == "link")
-                address.ss_family = AF_PACKET;
-            else if (text.find(':') != text.npos)
-                address = KestaIPv6Address(text).getSockAddress();
-            else if (!text.empty())
-                address = KestaIPv4Address(text).getSockAddress();
-            entry.ifa_addr = text.empty() ? nullptr : reinterpret_cast<sockaddr*>(&address);
-            entry.ifa_next = ++count < std::size(texts) ? &entries[count].first : nullptr;
+            if (i < 5)
+                addresses[i] = socketOf(texts[i]);
+            entries[i].ifa_addr = reinterpret_cast<sockaddr*>(&addresses[i]);
+            entries[i].ifa_next = &entries[i + 1];
         }
-        interfaces = &entries[0].first;
-        failing = 0;
-    }
-
-    template <class Address>
-    static std::string joined(const CKestaArray<Address>& list)
-    {
-        std::string text;
-        for (unsigned i = 0; i < list.size(); ++i)
-            text += list.getAt(i).getStrAddress() + " ";
-        return text;
+        interfaces = entries;
     }
 
     static Lines added(const std::string& family, const std::string& text)
@@ -108,52 +93,73 @@ protected:
                (is6 ? parsed6 : parsed4) + Lines{"FH:" + add + ": Exiting "};
     }
 
-    std::pair<ifaddrs, sockaddr_storage> entries[6] = {};
-    unsigned count = 0;
+    ifaddrs entries[7] = {};
+    sockaddr_storage addresses[6] = {};
     CKestaArray<KestaIPv4Address> list4, kept4;
     CKestaArray<KestaIPv6Address> list6, kept6;
+    const Lines pass4 = checked("IPv4", false), pass6 = checked("IPv6", false);
+    const Lines wsa{"FH:In KestaIPUtilities::StartWSA()", "FH:Out KestaIPUtilities::StartWSA()"};
     const Lines queryIn{"FH:In KestaIPUtilities::queryHostIP()",
         "FH:Entered KestaIPUtilities::getInterfaceAddresses()"};
 };
 
-TEST_F(UtilitiesTest, HostAddresses)
+TEST_F(UtilitiesTest, TypicalRequest)
 {
-    const Lines got = traced([&] { Utilities::queryHostIP(nullptr, list6, list4); });
-    const Lines queryOut{"FH:KestaIPUtilities::getInterfaceAddresses: Exiting with Success",
-        "FH:Out KestaIPUtilities::queryHostIP()"};
-    const Lines other{"FH:Unknown address family", ""};
-    EXPECT_EQ(got, queryIn + other + added("IPv4", "127.0.0.1") + added("IPv6", "::1") +
-                       added("IPv4", "192.168.1.5") + added("IPv6", "fe80::1") + queryOut);
-    EXPECT_EQ(Utilities::queryHostIP(nullptr, list6, list4), 0);
-    EXPECT_EQ(joined(list4), "127.0.0.1 192.168.1.5 127.0.0.1 192.168.1.5 ");
-    EXPECT_EQ(joined(list6), "::1 fe80::1 ::1 fe80::1 ");
+    const Lines got = traced(
+        [&]
+        {
+            const KestaIPRange range("10.1.*.*");
+            Utilities::StartWSA();
+            Utilities::queryHostIP(nullptr, list6, list4);
+            Utilities::getfilteredIPv4Addresses(kept4, list4);
+            for (unsigned i = 0; i < kept4.size(); ++i)
+                EXPECT_EQ(range.isMember(&kept4.getAt(i)), i == 0);
+            Utilities::EndWSA();
+        });
+    const Lines made = rangeIn + parsed4 + parsed4 + ends("10.1.0.0", "10.1.255.255") +
+                       screened("10.1.0.0", "10.1.255.255") + pass4 + pass4 + rangeOut;
+    const Lines queried = queryIn + added("IPv4", "127.0.0.1") + added("IPv6", "::1") +
+                          added("IPv4", "10.1.2.3") + added("IPv6", "fe80::1") +
+                          added("IPv4", "192.168.1.5") +
+                          Lines{"FH:Unknown address family", "",
+                              "FH:KestaIPUtilities::getInterfaceAddresses: Exiting with Success",
+                              "FH:Out KestaIPUtilities::queryHostIP()"};
+    const std::string get4 = "KestaIPUtilities::getfilteredIPv4Addresses";
+    const std::string adding = get4 + "()- adding filtered IPv4 address to the list :-:";
+    const Lines filtered = Lines{"FH:Entered " + get4} + pass4 + pass4 +
+                           Lines{adding + "10.1.2.3"} + pass4 + Lines{adding + "192.168.1.5"} +
+                           Lines{"FH:" + get4 + ": Exiting "};
+    const Lines asked = Lines{"FH:In KestaIPRange::isMember()"} + operated("IPv4", "<= ()") +
+                        operated("IPv4", ">=()");
+    EXPECT_EQ(got, made + wsa + queried + filtered + asked + asked);
+    std::string bytes;
+    for (const std::string& line : got)
+        bytes += (line.empty() ? "" : "[MSG]:") + line + "\n";
+    EXPECT_EQ(log(), bytes);
 }
 
-TEST_F(UtilitiesTest, FilteredAddresses)
+TEST_F(UtilitiesTest, HostAndFilteredAddresses)
 {
-    Utilities::queryHostIP(nullptr, list6, list4);
-    const std::string get4 = "KestaIPUtilities::getfilteredIPv4Addresses";
     const std::string get6 = "KestaIPUtilities::getfilteredIPv6Addresses";
-    const Lines kept{get4 + "()- adding filtered IPv4 address to the list :-:192.168.1.5"};
+    const Lines in{"FH:Entered " + get6}, out{"FH:" + get6 + ": Exiting "},
+        adding{get6 + "()- adding filtered IPv6 address to the list :-:fe80::1"};
+    const auto filter6 = [&] { Utilities::getfilteredIPv6Addresses(kept6, list6); };
+    EXPECT_EQ(Utilities::queryHostIP(nullptr, list6, list4), 0);
     setExclusions(true, false, false);
-    EXPECT_EQ(traced([&] { Utilities::getfilteredIPv4Addresses(kept4, list4); }),
-        Lines{"FH:Entered " + get4} + checked("IPv4", false) + checked("IPv4", false) + kept +
-            Lines{"FH:" + get4 + ": Exiting "});
-    EXPECT_EQ(traced([&] { Utilities::getfilteredIPv6Addresses(kept6, list6); }),
-        Lines{"FH:Entered " + get6} + checked("IPv6", false) + checked("IPv6", true) +
-            Lines{"FH:" + get6 + ": Exiting "});
-    EXPECT_EQ(joined(kept4) + joined(kept6), "192.168.1.5 ");
-    setExclusions(false, false, false);
-    Utilities::getfilteredIPv6Addresses(kept6, list6);
-    EXPECT_EQ(joined(kept6), "fe80::1 ");
+    EXPECT_EQ(traced(filter6), in + pass6 + checked("IPv6", true) + out);
+    setExclusions(false, true, false);
+    EXPECT_EQ(traced(filter6), in + pass6 + pass6 + adding + out);
+    EXPECT_TRUE(kept6.size() == 1 && kept6.getAt(0).getStrAddress() == "fe80::1");
+    EXPECT_EQ(Utilities::queryHostIP(nullptr, list6, list4), 0);
+    EXPECT_TRUE(list4.size() == 6 && list6.size() == 4) << "appended";
 }
 
 TEST_F(UtilitiesTest, NamesAndFailures)
 {
-    const Lines osIn{"FH:In KestaIPUtilities::setOSName()", "FH:Setting OS Name for Non-Windows"},
-        osOut{"FH:Out KestaIPUtilities::setOSName()"},
-        nameIn{"FH:In KestaIPUtilities::queryHostName()"},
-        nameOut{"FH:Out KestaIPUtilities::queryHostName()"},
+    const std::string osName = "KestaIPUtilities::setOSName()",
+                      hostName = "KestaIPUtilities::queryHostName()";
+    const Lines osIn{"FH:In " + osName, "FH:Setting OS Name for Non-Windows"},
+        osOut{"FH:Out " + osName}, nameIn{"FH:In " + hostName}, nameOut{"FH:Out " + hostName},
         nameFound{"KestaIPUtilities::queryHostName Local Host Name : :castle"},
         osFound{"Return code in setOSName :0", "OS name in objOSName :Linux",
             "OS name in bufHost.sysname :Linux"},
@@ -162,8 +168,7 @@ TEST_F(UtilitiesTest, NamesAndFailures)
         queryFailed{"KestaIPUtilities::getInterfaceAddresses: getifaddrs() call failed :Cannot "
                     "allocate memory",
             "KestaIPUtilities::queryHostIP()-getInterfaceAddresses() failed :Unable to detect IP "
-            "address"},
-        wsa{"FH:In KestaIPUtilities::StartWSA()", "FH:Out KestaIPUtilities::StartWSA()"};
+            "address"};
     char name[1024];
     CKestaString os("untouched");
     int result = 0;
@@ -175,54 +180,27 @@ TEST_F(UtilitiesTest, NamesAndFailures)
     EXPECT_EQ(traced(askName), nameIn + nameOut);
     EXPECT_EQ(traced([&] { result += Utilities::queryHostIP(nullptr, list6, list4); }),
         queryIn + queryFailed);
-    EXPECT_EQ(os + CKestaString(result) + joined(list4) + joined(list6), "untouched-3");
+    EXPECT_EQ(os + CKestaString(result), "untouched-3");
     failing = 0;
     EXPECT_EQ(traced(askOs), osIn + osFound + osOut);
     EXPECT_EQ(os, "Linux");
-    EXPECT_EQ(traced([] { Utilities::StartWSA(), Utilities::EndWSA(); }), wsa);
 }
 
 TEST_F(UtilitiesTest, IPv6IsWrittenAsTheSystemWritesIt)
 {
-    for (unsigned bits = 0; bits < 3 * 256; ++bits)   // which of the eight groups are not zero
+    for (const char* text : {"::", "::1", "1::", "1:0:2::3", "1::2:0:0:3:4", "::ffff:1.2.3.4",
+             "::1.2.3.4", "::2:102:304", "a:bc:def:1234:0:ffff:0:90", "1:2:3:4:5:6:7:0"})
     {
-        sockaddr_in6 sa{};
-        for (int i = 0; i < 8; ++i)
-            if (bits >> i & 1)
-                sa.sin6_addr.s6_addr16[i] = htons(bits < 256 ? 1 : bits < 512 ? 0xabc : 0xffff);
-        char want[INET6_ADDRSTRLEN];
-        inet_ntop(AF_INET6, &sa.sin6_addr, want, sizeof want);
+        const sockaddr_storage sa = socketOf(text);
         CKestaString got;
-        EXPECT_EQ(Utilities::convertIPv6AddressToString(&sa, got), 0);
-        EXPECT_EQ(got, want);
+        Utilities::convertIPv6AddressToString(reinterpret_cast<const sockaddr_in6*>(&sa), got);
+        EXPECT_EQ(got, text);
     }
 }
 
-TEST_F(UtilitiesTest, PrefixStartAndEnd)
+TEST_F(UtilitiesTest, NoStartAddress)
 {
-    const std::string f = ":ffff:ffff:ffff:ffff:ffff:ffff";
-    const std::tuple<const char*, int, bool, std::string> rows[] = {
-        {"2001:db8::", 32, true, "2001:db8" + f},
-        {"2001:db8::1", 64, false, "2001:db8::ffff:ffff:ffff:ffff"},
-        {"2001:a000::", 20, true, "2001:afff" + f}, {"2001:a800::", 20, false, "2001:afff" + f},
-        {"::", 0, true, "ffff:ffff" + f}, {"8000::", 0, false, "ffff:ffff" + f},
-        {"8000::", -9, false, "ffff:ffff" + f}, {"::1", 127, false, "::1"},
-        {"::1", 128, true, "::1"}, {"::1", 1000, true, "::1"}};
-    for (const auto& [start, length, valid, wantEnd] : rows)
-    {
-        sockaddr_storage storage = KestaIPv6Address(start).getSockAddress();
-        auto* sa = reinterpret_cast<sockaddr_in6*>(&storage);
-        KestaIPAddress* end = nullptr;
-        Utilities::InitialiseIPv6EndAddress(sa, &end, length);
-        const std::unique_ptr<KestaIPAddress> owner(end);
-        const KestaIPv6Address want(wantEnd);
-        EXPECT_TRUE(*end == &want) << start << "/" << length;
-        EXPECT_EQ(end->getStrAddress(), wantEnd) << start << "/" << length;
-        EXPECT_EQ(Utilities::ValidateIPv6StartAddress(sa, length), valid) << start << "/" << length;
-        EXPECT_EQ(!!IN6_IS_ADDR_UNSPECIFIED(&sa->sin6_addr), valid) << "the prefix is cleared";
-    }
-    KestaIPAddress* untouched = nullptr;
-    Utilities::InitialiseIPv6EndAddress(nullptr, &untouched, 0);
-    EXPECT_EQ(untouched, nullptr);
-    EXPECT_FALSE(Utilities::ValidateIPv6StartAddress(nullptr, 0));
+    KestaIPAddress* end = nullptr;
+    Utilities::InitialiseIPv6EndAddress(nullptr, &end, 0);
+    EXPECT_TRUE(end == nullptr && !Utilities::ValidateIPv6StartAddress(nullptr, 0));
 }

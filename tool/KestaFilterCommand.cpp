@@ -82,7 +82,7 @@ int CKestaFilterCommand::run(CKestaOutput& output)
     for (const std::string& strRange : m_ranges)
         set.add(*readRange(strRange));
     if (m_files.empty())
-        m_files.push_back("-");
+        m_files.emplace_back("-");
 
     CFilterSink sink(m_bCount ? nullptr : &output);
     CKestaFilterScanner scanner(set, m_bInvert, sink);

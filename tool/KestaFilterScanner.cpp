@@ -150,6 +150,6 @@ bool CKestaFilterScanner::isSelectedSlowly(std::string_view line)
 bool CKestaFilterScanner::countSelected(bool bInside)
 {
     const bool bSelected = bInside != m_bInvert;
-    m_ullSelected += bSelected;
+    m_ullSelected += bSelected ? 1 : 0;
     return bSelected;
 }

@@ -84,7 +84,7 @@ int CKestaHostCommand::run(CKestaOutput& output)
     return iStatusYes;
 }
 
-void CKestaHostCommand::print(const CHost& host, CKestaOutput& output) const
+void CKestaHostCommand::print(const CHost& host, CKestaOutput& output)
 {
     CKestaTable names;
     names.add(CKestaTable::EColour::plain, {"host", host.strName});
@@ -101,7 +101,7 @@ void CKestaHostCommand::print(const CHost& host, CKestaOutput& output) const
     table.print(output);
 }
 
-void CKestaHostCommand::printAsJson(const CHost& host, CKestaOutput& output) const
+void CKestaHostCommand::printAsJson(const CHost& host, CKestaOutput& output)
 {
     CKestaJson addresses = CKestaJson::array();
     for (const CHost::CEntry& entry : host.entries)

@@ -13,8 +13,8 @@ public:
 
 private:
     struct CHost;
-    void print(const CHost& host, CKestaOutput& output) const;
-    void printAsJson(const CHost& host, CKestaOutput& output) const;
+    static void print(const CHost& host, CKestaOutput& output);
+    static void printAsJson(const CHost& host, CKestaOutput& output);
 
     std::string m_strExcluded;
     bool m_bJson = false;

@@ -9,7 +9,7 @@
 namespace
 {
 
-constexpr std::size_t ulBlock = 256 * 1024;
+constexpr std::size_t ulBlock = 256UL * 1024;
 
 bool isSameFile(const struct stat& left, const struct stat& right)
 {

@@ -11,7 +11,7 @@
 namespace
 {
 
-constexpr std::size_t ulBlock = 256 * 1024;
+constexpr std::size_t ulBlock = 256UL * 1024;
 
 bool isSet(const char* pszVariable)
 {

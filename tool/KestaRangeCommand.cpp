@@ -89,8 +89,7 @@ CKestaRangeCommand::judgeArguments(const KestaIPRange& range) const
     return members;
 }
 
-std::vector<CKestaRangeCommand::CMember>
-CKestaRangeCommand::judgeHost(const KestaIPRange& range) const
+std::vector<CKestaRangeCommand::CMember> CKestaRangeCommand::judgeHost(const KestaIPRange& range)
 {
     const CKestaHostAddresses host;
     std::vector<CMember> members;
@@ -107,7 +106,7 @@ CKestaRangeCommand::judgeHost(const KestaIPRange& range) const
 }
 
 void CKestaRangeCommand::print(const KestaIPRange& range, const std::vector<CMember>& members,
-                               CKestaOutput& output) const
+                               CKestaOutput& output)
 {
     CKestaTable table;
     table.add(CKestaTable::EColour::plain, {"family", familyOf(*range.getStartAddress())});

@@ -19,9 +19,9 @@ private:
     };
 
     std::vector<CMember> judgeArguments(const KestaIPRange& range) const;
-    std::vector<CMember> judgeHost(const KestaIPRange& range) const;
-    void print(const KestaIPRange& range, const std::vector<CMember>& members,
-               CKestaOutput& output) const;
+    static std::vector<CMember> judgeHost(const KestaIPRange& range);
+    static void print(const KestaIPRange& range, const std::vector<CMember>& members,
+                      CKestaOutput& output);
     void printAsJson(const KestaIPRange& range, const std::vector<CMember>& members,
                      CKestaOutput& output) const;
 

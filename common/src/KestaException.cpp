@@ -107,7 +107,7 @@ CKestaExc_ArrayOutOfBound::~CKestaExc_ArrayOutOfBound() = default;
 
 CKestaExc_FileNotFound::CKestaExc_FileNotFound() = default;
 
-CKestaExc_FileNotFound::CKestaExc_FileNotFound(const CKestaString&) {}
+CKestaExc_FileNotFound::CKestaExc_FileNotFound(const CKestaString& /*strIgnored*/) {}
 
 CKestaExc_FileNotFound::~CKestaExc_FileNotFound() = default;
 
