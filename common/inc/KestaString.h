@@ -161,10 +161,7 @@ public:
     ///
     /// The text may be changed between two calls: a cursor past the end of a text that was
     /// shortened meanwhile ends the walk.
-    bool getNextToken(CKestaString& result, const std::string& strd) const
-    {
-        return nextToken(result, strd);
-    }
+    bool getNextToken(CKestaString& result, const std::string& strd) const;
 
     /// The same for literals and pointers, of which no `std::string` is made.
     template <class T, std::enable_if_t<isText<T>, int> = 0>

@@ -136,6 +136,11 @@ int CKestaString::countTokens(const CKestaString& strd) const
     return iDelims == 0 ? 0 : iDelims + 1;
 }
 
+bool CKestaString::getNextToken(CKestaString& result, const std::string& strd) const
+{
+    return nextToken(result, strd);
+}
+
 bool CKestaString::nextToken(CKestaString& result, std::string_view delimiter) const
 {
     if (!delimiter.empty())
