@@ -168,3 +168,8 @@ void CKestaDebug::writeTrace(std::string_view itemType, std::string_view source,
     strLine += '\n';
     m_File.writeLine(std::move(strLine));
 }
+
+// For hosts that look the two up by name; the header's calls are compiled into their callers.
+template KESTA_API void KESTA_DEBUG1(const CKestaString& message, int iLevel);
+template KESTA_API void KESTA_DEBUG2(const CKestaString& source, const CKestaString& message,
+                                     int iLevel);
