@@ -64,12 +64,16 @@ protected:
     // Addresses are compared as numbers: read most significant byte first, as network byte order
     // has it, they order as their bytes do from the first on. One overload for each family. The
     // bytes are copied out, because they may have been stored as those of another type.
+
+    /// An IPv4 address as a number.
     static std::uint32_t numberOf(const sockaddr_in& address)
     {
         std::uint32_t uNumber;
         std::memcpy(&uNumber, &address.sin_addr, sizeof uNumber);
         return be32toh(uNumber);
     }
+
+    /// An IPv6 address as a number.
     static std::pair<std::uint64_t, std::uint64_t> numberOf(const sockaddr_in6& address)
     {
         std::uint64_t halves[2];
@@ -84,8 +88,8 @@ protected:
         return numberOf(reinterpret_cast<const TSocketAddress&>(m_binIPAddress));
     }
 
-    CKestaString m_strIPAddress;
-    sockaddr_storage m_binIPAddress;
+    CKestaString m_strIPAddress;       ///< The text.
+    sockaddr_storage m_binIPAddress;   ///< The socket address.
 };
 
 #endif

@@ -42,8 +42,8 @@ public:
     int compareTwoIPv6Addresses(const sockaddr_in6* other) const;
 
     /// True when the address must not be used: it is of a class that a flag excludes, an
-    /// IPv4-compatible address (::a.b.c.d above ::1), or ::. IPv4-mapped addresses and ::1 pass.
-    /// REQUIRES: the pointer is not null.
+    /// IPv4-compatible address (such as `::10.1.2.3`, above `::1`), or ::. IPv4-mapped addresses
+    /// and ::1 pass. REQUIRES: the pointer is not null.
     static bool CheckUnAllowedIPv6AddressTypes(const sockaddr_in6* sa);
 
 private:
