@@ -78,9 +78,10 @@ CKestaFilterCommand::CKestaFilterCommand(CLI::App& root)
 
 int CKestaFilterCommand::run(CKestaOutput& output)
 {
-    CKestaAddressSet set;
+    KestaIPRangeSet set;
     for (const std::string& strRange : m_ranges)
         set.add(*readRange(strRange));
+    set.build();
     if (m_files.empty())
         m_files.emplace_back("-");
 

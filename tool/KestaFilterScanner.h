@@ -1,9 +1,9 @@
 #ifndef KESTA_FILTER_SCANNER_H
 #define KESTA_FILTER_SCANNER_H
 
-#include "KestaAddressSet.h"
+#include "KestaAddressText.h"
+#include "KestaIPRangeSet.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -34,8 +34,8 @@ public:
     };
 
     /// Selects the lines whose address is in the set, or, inverted, those whose address is not.
-    /// REQUIRES: set and sink outlive the scanner.
-    CKestaFilterScanner(const CKestaAddressSet& set, bool bInvert, CSink& sink);
+    /// REQUIRES: the set is built; set and sink outlive the scanner.
+    CKestaFilterScanner(const KestaIPRangeSet& set, bool bInvert, CSink& sink);
 
     /// Looks at the next bytes of the file.
     void feed(std::string_view bytes);
@@ -51,18 +51,18 @@ private:
     const char* finishLine(const char* pByte, const char* pEnd);
     void scanLines(const char* pLine, const char* pEnd);
     void beginLine(std::string_view bytes);
-    bool isSelected(const char* pLine, const char* pLimit, const char** ppStop);
-    bool isSelectedSlowly(std::string_view line);
-    bool countSelected(bool bInside);
+    bool judgeLine(const char* pLine, const char* pLimit, const char** ppStop);
+    bool judgeSlowly(std::string_view line);
+    bool isSelected(const CKestaAddressNumber& address);
 
-    const CKestaAddressSet& m_set;
+    const KestaIPRangeSet& m_set;
     const bool m_bInvert;
     CSink& m_sink;
 
     std::uint64_t m_ullLine = 0;   // the line that is being looked at
     std::uint64_t m_ullSelected = 0;
-    std::string m_strBegun;            // the start of a line of which more is to come
-    bool m_bDecided = false;           // the rest of a line is to come, which was looked at already
+    std::string m_strBegun;    // the start of a line of which more is to come
+    bool m_bDecided = false;   // the current line is already judged; its remaining bytes follow
     bool m_bDecidedSelected = false;   // and is selected
 };
 
