@@ -6,6 +6,7 @@
 #include "KestaIPv6Address.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <new>
 #include <utility>
@@ -22,25 +23,30 @@ constexpr char szNotAllowedTrace[] = "KestaIPRange::KestaIPRange(): This address
 constexpr char szNotAllowedAddressTrace[] =
     "KestaIPRange::KestaIPRange():This address as not allowed as per current IP filter settings!!!";
 
-/// The characters that tell the forms of a text apart, and whether it holds them.
-struct CMarkers
-{
-    explicit CMarkers(const CKestaString& strText)
-    {
-        for (const char c : strText)
-        {
-            bDot |= c == '.';
-            bColon |= c == ':';
-            bStar |= c == '*';
-            bSlash |= c == '/';
-        }
-    }
+// The characters that tell the forms of a text apart, each as a bit.
+constexpr unsigned char cDot = 1;
+constexpr unsigned char cColon = 2;
+constexpr unsigned char cStar = 4;
+constexpr unsigned char cSlash = 8;
 
-    bool bDot = false;
-    bool bColon = false;
-    bool bStar = false;
-    bool bSlash = false;
-};
+constexpr std::array<unsigned char, 256> markerTable()
+{
+    std::array<unsigned char, 256> table{};
+    table['.'] = cDot;
+    table[':'] = cColon;
+    table['*'] = cStar;
+    table['/'] = cSlash;
+    return table;
+}
+
+unsigned int markersOf(const CKestaString& strText)
+{
+    static constexpr std::array<unsigned char, 256> table = markerTable();
+    unsigned int uMarkers = 0;
+    for (const char c : strText)
+        uMarkers |= table[static_cast<unsigned char>(c)];
+    return uMarkers;
+}
 
 bool isUnallowedIPv4(const KestaIPAddress& address)
 {
@@ -138,18 +144,19 @@ void KestaIPRange::build(CKestaString& strRange)
         KESTA_DEBUG1("KestaIPRange::KestaIPRange()-IPAddres is an empty string", iTraceLevel);
         throw errorNaming("IPAddres is an empty string ", strRange);
     }
-    const CMarkers markers(strRange);
-    if (markers.bDot)
+    const unsigned int uMarkers = markersOf(strRange);
+    const bool bColon = (uMarkers & cColon) != 0;
+    if ((uMarkers & cDot) != 0)
     {
-        if (markers.bColon)
+        if (bColon)
             strRange = mappedIPv4Part(strRange);   // errors name this part alone from here on
         buildIPv4(strRange);
     }
-    else if (markers.bStar)
+    else if ((uMarkers & cStar) != 0)
         buildIPv6Wildcard(strRange);
-    else if (markers.bColon && markers.bSlash)
+    else if (bColon && (uMarkers & cSlash) != 0)
         buildIPv6Prefix(strRange);
-    else if (markers.bColon)
+    else if (bColon)
         buildIPv6Address(strRange);
     else
     {

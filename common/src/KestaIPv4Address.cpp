@@ -4,6 +4,8 @@
 #include "KestaDebug.h"
 #include "KestaIPUtilities.h"
 
+#include <algorithm>
+
 bool KestaIPv4Address::m_bIPv4LoopBack = false;
 bool KestaIPv4Address::m_bIPv4MutliCast = false;
 bool KestaIPv4Address::m_bIPv4LinkLocal = false;
@@ -18,12 +20,16 @@ KestaIPv4Address::KestaIPv4Address(const CKestaString& strAddress) : KestaIPAddr
 
 KestaIPv4Address::KestaIPv4Address(const CKestaString& strPattern, std::string_view star)
 {
+    const auto lStars = std::count(strPattern.begin(), strPattern.end(), '*');
+    m_strIPAddress.resize(strPattern.size() + static_cast<std::size_t>(lStars) * (star.size() - 1));
+    char* pEnd = m_strIPAddress.data();
     for (const char c : strPattern)
     {
-        if (c == '*')
-            m_strIPAddress += star;
+        if (c != '*')
+            *pEnd++ = c;
         else
-            m_strIPAddress += c;
+            for (const char cDigit : star)
+                *pEnd++ = cDigit;
     }
     read();
 }
