@@ -104,8 +104,8 @@ private:
 
         KestaIPAddress* get() const { return m_pAddress; }
 
-        template <class TAddress, class... TArguments>
-        TAddress& make(TArguments&&... arguments);
+        template <class TAddress>
+        TAddress& make();
         void takeOver(CEnd& other, int iFamily) noexcept;
         void clear() noexcept;
 

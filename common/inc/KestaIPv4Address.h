@@ -67,11 +67,11 @@ public:
 private:
     friend class KestaIPRange;
 
-    KestaIPv4Address();   // an empty text, and an address that is yet to be set
+    KestaIPv4Address();   // to be read
 
-    // Reads the pattern, the given text in place of every star.
-    KestaIPv4Address(const CKestaString& strPattern, std::string_view star);
-
+    // Each reads a text; the second, a pattern of so many stars with a text in place of each.
+    void read(std::string_view address);
+    void read(const CKestaString& strPattern, std::size_t ulStars, std::string_view star);
     void read();
 };
 

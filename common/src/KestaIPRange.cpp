@@ -77,11 +77,12 @@ CKestaString mappedIPv4Part(const CKestaString& strRange)
 
 }   // namespace
 
-template <class TAddress, class... TArguments>
-TAddress& KestaIPRange::CEnd::make(TArguments&&... arguments)
+// The address is made first, and read in its place: what is thrown meanwhile finds an end to clear.
+template <class TAddress>
+TAddress& KestaIPRange::CEnd::make()
 {
     static_assert(sizeof(TAddress) == sizeof m_place);
-    auto* const pAddress = new (m_place) TAddress(std::forward<TArguments>(arguments)...);
+    auto* const pAddress = new (m_place) TAddress;
     m_pAddress = pAddress;
     return *pAddress;
 }
@@ -168,15 +169,17 @@ void KestaIPRange::build(CKestaString& strRange)
 void KestaIPRange::buildIPv4(const CKestaString& strRange)
 {
     iFamilyType = KESTA_IPV4_FAMILY;
-    if (strRange.find('*') == npos)
+    const auto ulStars =
+        static_cast<std::size_t>(std::count(strRange.begin(), strRange.end(), '*'));
+    if (ulStars == 0)
     {
-        m_startAddress.make<KestaIPv4Address>(strRange);
-        m_endAddress.make<KestaIPv4Address>(strRange);
+        m_startAddress.make<KestaIPv4Address>().read(strRange);
+        m_endAddress.make<KestaIPv4Address>().read(strRange);
     }
     else
     {
-        m_startAddress.make<KestaIPv4Address>(strRange, "0");
-        m_endAddress.make<KestaIPv4Address>(strRange, "255");
+        m_startAddress.make<KestaIPv4Address>().read(strRange, ulStars, "0");
+        m_endAddress.make<KestaIPv4Address>().read(strRange, ulStars, "255");
         traceEnds("KestaIPRange::KestaIPRange()- m_startAddress:-",
                   "KestaIPRange::KestaIPRange()- m_endAddress:-");
     }
@@ -196,8 +199,8 @@ void KestaIPRange::buildIPv4(const CKestaString& strRange)
 void KestaIPRange::buildIPv6Address(const CKestaString& strRange)
 {
     iFamilyType = KESTA_IPV6_FAMILY;
-    m_startAddress.make<KestaIPv6Address>(strRange);
-    m_endAddress.make<KestaIPv6Address>(strRange);
+    m_startAddress.make<KestaIPv6Address>().read(strRange);
+    m_endAddress.make<KestaIPv6Address>().read(strRange);
 
     traceEnds("KestaIPRange::KestaIPRange()-Before the filter check startAddress: ",
               "KestaIPRange::KestaIPRange()-Before the filter check endAddress: ");
@@ -220,7 +223,7 @@ void KestaIPRange::buildIPv6Prefix(const CKestaString& strRange)
         throw errorNaming("Not a Valid prefix for IPv6 Address ", strRange);
     }
 
-    m_startAddress.make<KestaIPv6Address>(strRange.c_str(), ulSlash);
+    m_startAddress.make<KestaIPv6Address>().read(std::string_view(strRange).substr(0, ulSlash));
     sockaddr_in6 scratch = *asIPv6(m_startAddress.get()->viewSockAddress());   // will be changed
     if (!KestaIPUtilities::ValidateIPv6StartAddress(&scratch, iPrefixLength))
     {
@@ -272,7 +275,7 @@ void KestaIPRange::buildIPv6Wildcard(const CKestaString& strRange)
     else if (!bAll)
         lPrefixLength = 16 * lGroups;
 
-    m_startAddress.make<KestaIPv6Address>(strStart);
+    m_startAddress.make<KestaIPv6Address>().read(strStart);
     makeIPv6End(static_cast<int>(lPrefixLength));
     traceEnds("KestaIPRange::KestaIPRange()- m_startAddress:-",
               "KestaIPRange::KestaIPRange()- m_endAddress:-");

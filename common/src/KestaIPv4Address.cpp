@@ -4,8 +4,6 @@
 #include "KestaDebug.h"
 #include "KestaIPUtilities.h"
 
-#include <algorithm>
-
 bool KestaIPv4Address::m_bIPv4LoopBack = false;
 bool KestaIPv4Address::m_bIPv4MutliCast = false;
 bool KestaIPv4Address::m_bIPv4LinkLocal = false;
@@ -18,10 +16,16 @@ KestaIPv4Address::KestaIPv4Address(const CKestaString& strAddress) : KestaIPAddr
     read();
 }
 
-KestaIPv4Address::KestaIPv4Address(const CKestaString& strPattern, std::string_view star)
+void KestaIPv4Address::read(std::string_view address)
 {
-    const auto lStars = std::count(strPattern.begin(), strPattern.end(), '*');
-    m_strIPAddress.resize(strPattern.size() + static_cast<std::size_t>(lStars) * (star.size() - 1));
+    m_strIPAddress.assign(address);
+    read();
+}
+
+void KestaIPv4Address::read(const CKestaString& strPattern, std::size_t ulStars,
+                            std::string_view star)
+{
+    m_strIPAddress.resize(strPattern.size() + ulStars * (star.size() - 1));
     char* pEnd = m_strIPAddress.data();
     for (const char c : strPattern)
     {

@@ -48,9 +48,9 @@ KestaIPv6Address::KestaIPv6Address(const CKestaString& strAddress) : KestaIPAddr
     read();
 }
 
-KestaIPv6Address::KestaIPv6Address(const char* pText, std::size_t ulLength)
+void KestaIPv6Address::read(std::string_view address)
 {
-    m_strIPAddress.assign(pText, ulLength);
+    m_strIPAddress.assign(address);
     read();
 }
 
