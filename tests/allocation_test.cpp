@@ -6,11 +6,15 @@
 #include <new>
 
 static std::atomic<int> allocations{0};
+static std::atomic<int> failing{0};   // that many later ones succeed, the next fails; 0: none
+static bool lasting = false;          // and all after it
 
 void* operator new(std::size_t size)
 {
     ++allocations;
-    if (void* memory = std::malloc(size))
+    if (failing > 0 && --failing == 0)
+        failing = lasting ? 1 : 0;
+    else if (void* memory = std::malloc(size))
         return memory;
     throw std::bad_alloc();
 }
@@ -18,6 +22,37 @@ void* operator new(std::size_t size)
 void operator delete(void* memory) noexcept { std::free(memory); }
 
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+// What comes of an operation when its n-th allocation fails, for every n: each outcome once.
+template <class Work>
+static Lines outcomes(bool forEver, Work work)
+{
+    Lines all;
+    for (int n = 1, left = 0; left == 0; ++n)
+    {
+        std::string outcome = "done";
+        lasting = forEver;
+        failing = n;
+        try
+        {
+            work();
+        }
+        catch (const std::bad_alloc&)
+        {
+            outcome = "bad_alloc";
+        }
+        catch (const CKestaExc& exc)
+        {
+            failing = 0;
+            outcome = exc.GetErrorMessage();
+        }
+        left = lasting && outcome != "done" ? 0 : failing.load();
+        failing = 0;
+        if (std::find(all.begin(), all.end(), outcome) == all.end())
+            all.push_back(outcome);
+    }
+    return all;
+}
 
 template <class Work>
 static int countOf(Work work)
