@@ -68,8 +68,8 @@ TEST_F(DebugTest, RollsOverAboveTheLimitOnly)
         std::ofstream(logPath()) << std::string(bytes, 'x');
         traceLine("not written", 52814);
         EXPECT_EQ(std::filesystem::exists(logPath()), !rolled) << settings << " " << bytes;
-        EXPECT_EQ(fileText(oldLogPath()),
-            rolled ? std::string(bytes, 'x') : "the old one, replaced");
+        EXPECT_EQ(
+            fileText(oldLogPath()), rolled ? std::string(bytes, 'x') : "the old one, replaced");
     }
 }
 

@@ -36,17 +36,40 @@ TEST_F(EntriesTest, OfAnotherThreadKeepTheLog)
         std::function<void()> work;
         Lines want;
         bool mutexFree;
-    } rows[] = {
-        {"no entry: traces", trace, {"first", "other", "last"}, false},
+    } rows[] = {{"no entry: traces", trace, {"first", "other", "last"}, false},
         {"no entry: turns the switch off", [] { CKestaDebug::enable(false); }, {"first"}, false},
         {"no entry: ends the one in progress", end, {"first"}, true},
-        {"level 0: traces", [&] { const CKestaEntry own; trace(); }, {"first", "last"}, false},
-        {"level 0: writes", [] { const CKestaEntry own; CKestaDebug::writeMessage("x\n"); },
+        {"level 0: traces",
+            [&]
+            {
+                const CKestaEntry own;
+                trace();
+            },
             {"first", "last"}, false},
-        {"level 0: turns the switch off", [] { const CKestaEntry own; CKestaDebug::enable(false); },
+        {"level 0: writes",
+            []
+            {
+                const CKestaEntry own;
+                CKestaDebug::writeMessage("x\n");
+            },
+            {"first", "last"}, false},
+        {"level 0: turns the switch off",
+            []
+            {
+                const CKestaEntry own;
+                CKestaDebug::enable(false);
+            },
             {"first", "last"}, false},
         {"level 0, nested", [] { const CKestaEntry own, inner; }, {"first", "last"}, false},
-        {"level 0, and once more", [&] { { const CKestaEntry own; } end(); }, {"first"}, true}};
+        {"level 0, and once more",
+            [&]
+            {
+                {
+                    const CKestaEntry own;
+                }
+                end();
+            },
+            {"first"}, true}};
     for (const auto& row : rows)
         inChild(
             [&]
@@ -103,7 +126,8 @@ TEST_F(EntriesTest, StayWholeWhileTheConfigurationChanges)
     for (int change = 0; change < 100; ++change)
     {
         const char level = levels[change % 4];
-        configure("DEBUGLEVEL=" + std::string(1, level) + "\nDEBUGITEMS=" + std::string(999, level));
+        configure(
+            "DEBUGLEVEL=" + std::string(1, level) + "\nDEBUGITEMS=" + std::string(999, level));
         for (const int before = made; made < before + 5;)
             std::this_thread::yield();
     }
@@ -195,7 +219,8 @@ TEST_F(EntriesTest, OfCancelledThreadsEnd)
             const KestaIPRange range("2001:db8::/32");
     };
     for (void* (*work)(void*) : {+guarded, +plain, +within})
-        for (const char* settings : {"DEBUGLEVEL=3", "DEBUGLEVEL=0", "DEBUGFILEPATH=/missing\nDEBUG=N"})
+        for (const char* settings :
+            {"DEBUGLEVEL=3", "DEBUGLEVEL=0", "DEBUGFILEPATH=/missing\nDEBUG=N"})
         {
             SCOPED_TRACE(settings);
             configure(settings);

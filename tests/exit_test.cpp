@@ -45,7 +45,8 @@ int main(int, char** arguments)
     std::filesystem::create_directories(directory + "conf");
     std::filesystem::create_directories(directory + "log");
     std::ofstream(directory + "conf/KestaDebug.ini")
-        << "DEBUG=Y\nDEBUGLEVEL=52813\nDEBUGSIZE=1000\nDEBUGITEMS=" << std::string(500, 'x') << "\n";
+        << "DEBUG=Y\nDEBUGLEVEL=52813\nDEBUGSIZE=1000\nDEBUGITEMS=" << std::string(500, 'x')
+        << "\n";
     const pid_t child = fork();
     if (child == 0)
         std::exit(host(arguments[1], directory));

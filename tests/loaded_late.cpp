@@ -14,4 +14,3 @@ extern "C" void trace(const char* line)
     const CKestaEntry entry;
     KESTA_DEBUG1(line, 1);
 }
-
