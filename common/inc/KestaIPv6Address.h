@@ -58,14 +58,14 @@ private:
     friend class KestaIPRange;
     friend class KestaIPUtilities;
 
-    KestaIPv6Address();   // to be read, or set
+    KESTA_LOCAL KestaIPv6Address();   // to be read, or set
 
-    void read(std::string_view address);
-    void read();
+    KESTA_LOCAL void read(std::string_view address);
+    KESTA_LOCAL void read();
 
     // Becomes the last address of the block that an address begins, as the two prefix operations
     // trace it.
-    void setBlockEnd(const in6_addr& start, int iPrefixLength);
+    KESTA_LOCAL void setBlockEnd(const in6_addr& start, int iPrefixLength);
 };
 
 /// True when two addresses have the same bytes.
