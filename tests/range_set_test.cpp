@@ -38,8 +38,9 @@ static std::string randomAddress(std::mt19937& random)
 
 TEST(RangeSet, AnswersAsItsRangesDo)
 {
+    setExclusions(false, false, false);
     std::mt19937 random(1);
-    for (const std::size_t count : {0, 1, 2, 10, 100, 3000})
+    for (const std::size_t count : {0U, 1U, 2U, 10U, 100U, 3000U})
     {
         KestaIPRangeSet set;
         std::vector<KestaIPRange> ranges;
