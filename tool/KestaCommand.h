@@ -1,16 +1,12 @@
 #ifndef KESTA_COMMAND_H
 #define KESTA_COMMAND_H
 
-#include <string>
-#include <vector>
-
 namespace CLI
 {
 class App;
 }
 
 class CKestaOutput;
-class KestaIPRange;
 
 /// A subcommand: its constructor tells the command line what it takes.
 class CKestaCommand
@@ -32,9 +28,8 @@ public:
 protected:
     CKestaCommand(CLI::App& root, const char* pszName, const char* pszHelp, const char* pszFooter);
 
-    /// Adds an argument that takes any number of texts.
-    void addTexts(const char* pszName, std::vector<std::string>& texts, const char* pszHelp,
-                  bool bRequired);
+    /// True when the user gave this option or argument.
+    bool has(const char* pszName) const;
 
     CLI::App& m_app;
 };

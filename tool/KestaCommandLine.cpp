@@ -1,15 +1,15 @@
 #include "KestaCommandLine.h"
 
-#include "KestaDateCommand.h"
+#include "KestaCommands.h"
+#include "KestaDebug.h"
 #include "KestaEntry.h"
-#include "KestaFilterCommand.h"
-#include "KestaHostCommand.h"
+#include "KestaException.h"
 #include "KestaHostSetup.h"
 #include "KestaInput.h"
-#include "KestaLogCommand.h"
 #include "KestaOutput.h"
-#include "KestaRangeCommand.h"
+#include "KestaOutputToError.h"
 #include "KestaToolError.h"
+#include "KestaToolText.h"
 #include "KestaVersion.h"
 
 #include <CLI/CLI.hpp>
@@ -44,11 +44,9 @@ public:
         m_root.set_version_flag("--version", strVersion, "Show the version");
         m_root.footer("kesta SUBCOMMAND --help tells more. Exit status: 0 yes or done, 1 no, 2 "
                       "after an error.");
-        m_commands.push_back(std::make_unique<CKestaRangeCommand>(m_root));
-        m_commands.push_back(std::make_unique<CKestaHostCommand>(m_root));
-        m_commands.push_back(std::make_unique<CKestaDateCommand>(m_root));
-        m_commands.push_back(std::make_unique<CKestaLogCommand>(m_root));
-        m_commands.push_back(std::make_unique<CKestaFilterCommand>(m_root));
+        for (const auto make : {&makeRangeCommand, &makeHostCommand, &makeDateCommand,
+                                &makeLogCommand, &makeFilterCommand})
+            m_commands.push_back(make(m_root));
     }
 
     /// Returns the subcommand that the user asks for, or null when everything that was asked for is
@@ -72,8 +70,7 @@ public:
         }
         catch (const CLI::ParseError& error)
         {
-            throw CKestaToolError(whatIsWrong(error) + "; " + chosenName() +
-                                  " --help tells what is right");
+            throw CKestaToolError(whatIsWrong(error) + "; see '" + chosenName() + " --help'");
         }
         setDirectory("--installed-dir", 1, m_strInstalledDir);
         setDirectory("--data-dir", 2, m_strDataDir);
@@ -100,8 +97,15 @@ private:
         const std::vector<std::string> unknown = m_root.remaining();
         if (!m_root.get_subcommands().empty() || unknown.empty())
             return error.what();
-        return inQuotes(unknown.front()) + " is no subcommand; there are range, host, date, log "
-                                           "and filter";
+        return "unknown subcommand " + inQuotes(unknown.front()) + " (" + subcommandNames() + ")";
+    }
+
+    std::string subcommandNames() const
+    {
+        std::string strNames;
+        for (const CLI::App* pSubcommand : m_root.get_subcommands({}))
+            strNames += (strNames.empty() ? "" : ", ") + pSubcommand->get_name();
+        return strNames;
     }
 
     std::string chosenName() const
@@ -116,7 +120,7 @@ private:
         if (m_root.count(pszOption) == 0)
             return;
         if (strDirectory.empty())
-            throw CKestaToolError(std::string(pszOption) + ": names no directory");
+            throw CKestaToolError(std::string(pszOption) + ": directory is empty");
         if (strDirectory.back() != '/')
             strDirectory += '/';
         if (!CKestaHostSetup::setParameter(iParameter, strDirectory))
@@ -138,9 +142,15 @@ private:
     std::vector<std::unique_ptr<CKestaCommand>> m_commands;
 };
 
+CKestaEntry beginEntry()
+{
+    const CKestaOutputToError redirection;
+    return CKestaEntry();
+}
+
 int runInEntry(CKestaCommand& command, CKestaOutput& output)
 {
-    const CKestaEntry entry;
+    const CKestaEntry entry = beginEntry();
     try
     {
         const int iStatus = command.run(output);

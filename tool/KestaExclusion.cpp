@@ -3,6 +3,7 @@
 #include "KestaIPv4Address.h"
 #include "KestaIPv6Address.h"
 #include "KestaToolError.h"
+#include "KestaToolText.h"
 
 #include <algorithm>
 #include <iterator>

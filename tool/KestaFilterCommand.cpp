@@ -1,10 +1,10 @@
-#include "KestaFilterCommand.h"
-
+#include "KestaArgument.h"
+#include "KestaCommands.h"
 #include "KestaFilterScanner.h"
 #include "KestaInput.h"
 #include "KestaOutput.h"
-#include "KestaRangeArgument.h"
 #include "KestaToolError.h"
+#include "KestaToolText.h"
 
 #include <CLI/CLI.hpp>
 
@@ -57,16 +57,30 @@ void scan(const std::string& strPath, CKestaFilterScanner& scanner, CFilterSink&
     scanner.finish();
 }
 
-}   // namespace
+class CFilterCommand : public CKestaCommand
+{
+public:
+    explicit CFilterCommand(CLI::App& root);
 
-CKestaFilterCommand::CKestaFilterCommand(CLI::App& root)
+    int run(CKestaOutput& output) override;
+
+private:
+    std::vector<std::string> m_ranges;
+    std::vector<std::string> m_files;
+    bool m_bInvert = false;
+    bool m_bCount = false;
+};
+
+CFilterCommand::CFilterCommand(CLI::App& root)
     : CKestaCommand(
           root, "filter", "Write the lines whose address lies in any of the ranges",
           "Each line begins with an address, which ends at the first white space or comma."
           "\nLines whose address can't be read are reported, and never written.\n\nExit "
           "status: 0 when some line was selected, 1 when none was, 2 after an error")
 {
-    addTexts("RANGE", m_ranges, "The ranges, as \"kesta range\" takes them", true);
+    m_app.add_option("RANGE", m_ranges, "The ranges, as \"kesta range\" takes them")
+        ->type_name("")
+        ->required();
     m_app
         .add_option("-f,--file", m_files,
                     "Read this file instead of standard input; may be given several times")
@@ -76,7 +90,7 @@ CKestaFilterCommand::CKestaFilterCommand(CLI::App& root)
     m_app.add_flag("-c,--count", m_bCount, "Write the number of selected lines only");
 }
 
-int CKestaFilterCommand::run(CKestaOutput& output)
+int CFilterCommand::run(CKestaOutput& output)
 {
     CKestaAddressSet set;
     for (const std::string& strRange : m_ranges)
@@ -106,4 +120,11 @@ int CKestaFilterCommand::run(CKestaOutput& output)
     if (bFailed)
         return iStatusError;
     return scanner.selectedLines() > 0 ? iStatusYes : iStatusNo;
+}
+
+}   // namespace
+
+std::unique_ptr<CKestaCommand> makeFilterCommand(CLI::App& root)
+{
+    return std::make_unique<CFilterCommand>(root);
 }

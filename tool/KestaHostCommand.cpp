@@ -1,6 +1,5 @@
-#include "KestaHostCommand.h"
-
 #include "KestaAddressText.h"
+#include "KestaCommands.h"
 #include "KestaExclusion.h"
 #include "KestaHostAddresses.h"
 #include "KestaJson.h"
@@ -9,7 +8,10 @@
 
 #include <CLI/CLI.hpp>
 
-struct CKestaHostCommand::CHost
+namespace
+{
+
+struct CHost
 {
     struct CEntry
     {
@@ -38,9 +40,6 @@ struct CKestaHostCommand::CHost
     }
 };
 
-namespace
-{
-
 std::string hostName()
 {
     char szName[1024];
@@ -57,9 +56,22 @@ std::string systemName()
     return strName;
 }
 
-}   // namespace
+class CHostCommand : public CKestaCommand
+{
+public:
+    explicit CHostCommand(CLI::App& root);
 
-CKestaHostCommand::CKestaHostCommand(CLI::App& root)
+    int run(CKestaOutput& output) override;
+
+private:
+    static void print(const CHost& host, CKestaOutput& output);
+    static void printAsJson(const CHost& host, CKestaOutput& output);
+
+    std::string m_strExcluded;
+    bool m_bJson = false;
+};
+
+CHostCommand::CHostCommand(CLI::App& root)
     : CKestaCommand(root, "host", "Show the host's name, system and addresses",
                     "Shows every interface address with its family, its class, and whether the "
                     "filter keeps it.\nThe filter drops loopback addresses always, and the classes "
@@ -69,9 +81,9 @@ CKestaHostCommand::CKestaHostCommand(CLI::App& root)
     m_app.add_flag("--json", m_bJson, "Write JSON");
 }
 
-int CKestaHostCommand::run(CKestaOutput& output)
+int CHostCommand::run(CKestaOutput& output)
 {
-    if (m_app.count("--exclude") > 0)
+    if (has("--exclude"))
         excludeClasses(m_strExcluded);
     const CKestaHostAddresses addresses;
     CHost host{hostName(), systemName(), {}};
@@ -84,7 +96,7 @@ int CKestaHostCommand::run(CKestaOutput& output)
     return iStatusYes;
 }
 
-void CKestaHostCommand::print(const CHost& host, CKestaOutput& output)
+void CHostCommand::print(const CHost& host, CKestaOutput& output)
 {
     CKestaTable names;
     names.add(CKestaTable::EColour::plain, {"host", host.strName});
@@ -101,7 +113,7 @@ void CKestaHostCommand::print(const CHost& host, CKestaOutput& output)
     table.print(output);
 }
 
-void CKestaHostCommand::printAsJson(const CHost& host, CKestaOutput& output)
+void CHostCommand::printAsJson(const CHost& host, CKestaOutput& output)
 {
     CKestaJson addresses = CKestaJson::array();
     for (const CHost::CEntry& entry : host.entries)
@@ -111,4 +123,11 @@ void CKestaHostCommand::printAsJson(const CHost& host, CKestaOutput& output)
                              {"kept", entry.bKept}});
     printJson({{"host", host.strName}, {"system", host.strSystem}, {"addresses", addresses}},
               output);
+}
+
+}   // namespace
+
+std::unique_ptr<CKestaCommand> makeHostCommand(CLI::App& root)
+{
+    return std::make_unique<CHostCommand>(root);
 }

@@ -1,10 +1,10 @@
-#include "KestaLogCommand.h"
-
+#include "KestaCommands.h"
 #include "KestaConfiguration.h"
 #include "KestaInput.h"
 #include "KestaLogDecoder.h"
 #include "KestaLogFollower.h"
 #include "KestaOutput.h"
+#include "KestaToolError.h"
 
 #include <CLI/CLI.hpp>
 
@@ -72,9 +72,19 @@ int showConfigured(CKestaOutput& output)
     return iStatusYes;
 }
 
-}   // namespace
+class CLogCommand : public CKestaCommand
+{
+public:
+    explicit CLogCommand(CLI::App& root);
 
-CKestaLogCommand::CKestaLogCommand(CLI::App& root)
+    int run(CKestaOutput& output) override;
+
+private:
+    std::string m_strFile;
+    bool m_bFollow = false;
+};
+
+CLogCommand::CLogCommand(CLI::App& root)
     : CKestaCommand(root, "log", "Show a trace log as plain text",
                     "Shows a log in either form, the framing taken out. A log that a host's own "
                     "cipher wrote stays enciphered.")
@@ -88,9 +98,9 @@ CKestaLogCommand::CKestaLogCommand(CLI::App& root)
                    "Go on with what is added, also after a roll-over, until interrupted");
 }
 
-int CKestaLogCommand::run(CKestaOutput& output)
+int CLogCommand::run(CKestaOutput& output)
 {
-    const bool bConfigured = m_app.count("FILE") == 0;
+    const bool bConfigured = !has("FILE");
     if (m_bFollow)
     {
         if (m_strFile == "-")
@@ -103,4 +113,11 @@ int CKestaLogCommand::run(CKestaOutput& output)
     CKestaInput input(m_strFile);
     copyLog(input, output);
     return iStatusYes;
+}
+
+}   // namespace
+
+std::unique_ptr<CKestaCommand> makeLogCommand(CLI::App& root)
+{
+    return std::make_unique<CLogCommand>(root);
 }

@@ -1,11 +1,11 @@
-#include "KestaRangeCommand.h"
-
 #include "KestaAddressText.h"
+#include "KestaArgument.h"
+#include "KestaCommands.h"
 #include "KestaExclusion.h"
 #include "KestaHostAddresses.h"
 #include "KestaJson.h"
-#include "KestaRangeArgument.h"
 #include "KestaTable.h"
+#include "KestaToolError.h"
 
 #include <CLI/CLI.hpp>
 
@@ -17,18 +17,6 @@ namespace
 bool isRange(const std::string& strText)
 {
     return strText.find_first_of("*/") != std::string::npos;
-}
-
-std::unique_ptr<KestaIPAddress> readAddressArgument(const std::string& strText)
-{
-    return readArgument("address " + inQuotes(strText),
-                        "an address is 10.1.2.3 or 2001:db8::1, and a range holds \"*\" or \"/\"",
-                        [&]() -> std::unique_ptr<KestaIPAddress>
-                        {
-                            if (strText.find(':') != std::string::npos)
-                                return std::make_unique<KestaIPv6Address>(strText);
-                            return std::make_unique<KestaIPv4Address>(strText);
-                        });
 }
 
 bool isIPv6(const KestaIPRange& range)
@@ -46,9 +34,34 @@ bool isInside(const KestaIPRange& range, const std::string& strText)
     return bSameFamily && range.isMember(pAddress.get());
 }
 
-}   // namespace
+class CRangeCommand : public CKestaCommand
+{
+public:
+    explicit CRangeCommand(CLI::App& root);
 
-CKestaRangeCommand::CKestaRangeCommand(CLI::App& root)
+    int run(CKestaOutput& output) override;
+
+private:
+    struct CMember
+    {
+        std::string strText;
+        bool bInside;
+    };
+
+    std::vector<CMember> judgeArguments(const KestaIPRange& range) const;
+    static std::vector<CMember> judgeHost(const KestaIPRange& range);
+    static void print(const KestaIPRange& range, const std::vector<CMember>& members,
+                      CKestaOutput& output);
+    void printAsJson(const KestaIPRange& range, const std::vector<CMember>& members,
+                     CKestaOutput& output) const;
+
+    std::string m_strRange;
+    std::vector<std::string> m_arguments;
+    std::string m_strExcluded;
+    bool m_bJson = false;
+};
+
+CRangeCommand::CRangeCommand(CLI::App& root)
     : CKestaCommand(root, "range", "Tell whether addresses and ranges lie inside a range",
                     "Prints the family and both ends of the range, then for each argument whether "
                     "it is inside.\nWithout arguments it asks for this host's own addresses of the "
@@ -58,15 +71,17 @@ CKestaRangeCommand::CKestaRangeCommand(CLI::App& root)
                     "after an error")
 {
     m_app.add_option("TEXT", m_strRange, "The range")->type_name("")->required();
-    addTexts("ADDRESS|RANGE", m_arguments, "What to ask for; a text with \"*\" or \"/\" is a range",
-             false);
+    m_app
+        .add_option("ADDRESS|RANGE", m_arguments,
+                    "What to ask for; a text with \"*\" or \"/\" is a range")
+        ->type_name("");
     m_app.add_option("--exclude", m_strExcluded, szExclusionHelp)->type_name("CLASSES");
     m_app.add_flag("--json", m_bJson, "Write JSON");
 }
 
-int CKestaRangeCommand::run(CKestaOutput& output)
+int CRangeCommand::run(CKestaOutput& output)
 {
-    if (m_app.count("--exclude") > 0)
+    if (has("--exclude"))
         excludeClasses(m_strExcluded);
     const std::unique_ptr<KestaIPRange> pRange = readRange(m_strRange);
     const std::vector<CMember> members =
@@ -80,8 +95,7 @@ int CKestaRangeCommand::run(CKestaOutput& output)
     return bSomeInside ? iStatusYes : iStatusNo;
 }
 
-std::vector<CKestaRangeCommand::CMember>
-CKestaRangeCommand::judgeArguments(const KestaIPRange& range) const
+std::vector<CRangeCommand::CMember> CRangeCommand::judgeArguments(const KestaIPRange& range) const
 {
     std::vector<CMember> members;
     for (const std::string& strArgument : m_arguments)
@@ -89,7 +103,7 @@ CKestaRangeCommand::judgeArguments(const KestaIPRange& range) const
     return members;
 }
 
-std::vector<CKestaRangeCommand::CMember> CKestaRangeCommand::judgeHost(const KestaIPRange& range)
+std::vector<CRangeCommand::CMember> CRangeCommand::judgeHost(const KestaIPRange& range)
 {
     const CKestaHostAddresses host;
     std::vector<CMember> members;
@@ -105,8 +119,8 @@ std::vector<CKestaRangeCommand::CMember> CKestaRangeCommand::judgeHost(const Kes
     return members;
 }
 
-void CKestaRangeCommand::print(const KestaIPRange& range, const std::vector<CMember>& members,
-                               CKestaOutput& output)
+void CRangeCommand::print(const KestaIPRange& range, const std::vector<CMember>& members,
+                          CKestaOutput& output)
 {
     CKestaTable table;
     table.add(CKestaTable::EColour::plain, {"family", familyOf(*range.getStartAddress())});
@@ -122,8 +136,8 @@ void CKestaRangeCommand::print(const KestaIPRange& range, const std::vector<CMem
     table.print(output);
 }
 
-void CKestaRangeCommand::printAsJson(const KestaIPRange& range, const std::vector<CMember>& members,
-                                     CKestaOutput& output) const
+void CRangeCommand::printAsJson(const KestaIPRange& range, const std::vector<CMember>& members,
+                                CKestaOutput& output) const
 {
     CKestaJson asked = CKestaJson::array();
     for (const CMember& member : members)
@@ -135,4 +149,11 @@ void CKestaRangeCommand::printAsJson(const KestaIPRange& range, const std::vecto
                {"asked", m_arguments.empty() ? "host" : "arguments"},
                {"members", asked}},
               output);
+}
+
+}   // namespace
+
+std::unique_ptr<CKestaCommand> makeRangeCommand(CLI::App& root)
+{
+    return std::make_unique<CRangeCommand>(root);
 }

@@ -1,0 +1,16 @@
+#ifndef KESTA_TOOL_TEXT_H
+#define KESTA_TOOL_TEXT_H
+
+#include <string>
+#include <string_view>
+
+/// A text with everything that a terminal would obey written as \x and two digits.
+std::string printable(std::string_view text);
+
+/// A text between single quotes.
+std::string inQuotes(std::string_view text);
+
+/// A text without the blanks that it ends with.
+std::string withoutEndBlanks(std::string strText);
+
+#endif
