@@ -1,8 +1,8 @@
 #include "KestaCommands.h"
 #include "KestaConfiguration.h"
 #include "KestaInput.h"
-#include "KestaLogDecoder.h"
 #include "KestaLogFollower.h"
+#include "KestaLogPrinter.h"
 #include "KestaOutput.h"
 #include "KestaToolError.h"
 
@@ -30,6 +30,11 @@ struct CConfiguredLog
         strRolledOver = strOldDirectory + "/KestaDebugOld_C.log";
     }
 
+    CKestaLogFiles files() const
+    {
+        return {strCurrent, strRolledOver, CKestaConfiguration::getDebugSize() * 1000L};
+    }
+
     /// Where a user who does not find the lines that she looks for may go on.
     std::string advice() const
     {
@@ -45,19 +50,15 @@ struct CConfiguredLog
 /// Writes a log to its end; returns false when it was empty.
 bool copyLog(CKestaInput& input, CKestaOutput& output)
 {
-    CKestaLogDecoder decoder;
-    std::string strText;
+    CKestaLogPrinter printer(output);
     bool bSome = false;
     for (std::string_view bytes = input.read(); !bytes.empty(); bytes = input.read())
     {
-        decoder.feed(bytes, strText);
-        output.write(strText);
+        printer.print(bytes);
         output.flush();
-        strText.clear();
         bSome = true;
     }
-    decoder.finish(strText);
-    output.write(strText);
+    printer.finish();
     return bSome;
 }
 
@@ -72,10 +73,18 @@ int showConfigured(CKestaOutput& output)
     return iStatusYes;
 }
 
+CKestaLogFiles filesOf(const std::string& strLog)
+{
+    return {strLog, "", std::nullopt};
+}
+
 class CLogCommand : public CKestaCommand
 {
 public:
     explicit CLogCommand(CLI::App& root);
+
+    /// Showing a log must not change it.
+    bool isEntry() const override { return false; }
 
     int run(CKestaOutput& output) override;
 
@@ -100,13 +109,14 @@ CLogCommand::CLogCommand(CLI::App& root)
 
 int CLogCommand::run(CKestaOutput& output)
 {
+    CKestaConfiguration::initialize("KestaDebug.ini");
     const bool bConfigured = !has("FILE");
     if (m_bFollow)
     {
         if (m_strFile == "-")
             throw CKestaToolError("--follow: needs a file, not standard input");
-        CKestaLogFollower(bConfigured ? CConfiguredLog().strCurrent : m_strFile, output).run();
-        return iStatusYes;
+        CKestaLogFollower(bConfigured ? CConfiguredLog().files() : filesOf(m_strFile), output)
+            .run();
     }
     if (bConfigured)
         return showConfigured(output);

@@ -4,8 +4,9 @@
 #include <string>
 #include <string_view>
 
-/// A text with everything that a terminal would obey written as \x and two digits.
-std::string printable(std::string_view text);
+/// A text with every byte that a terminal could obey written as \x and two digits: control
+/// characters, but for the `kept` ones, and bytes that are not UTF-8.
+std::string printable(std::string_view text, std::string_view kept = {});
 
 /// A text between single quotes.
 std::string inQuotes(std::string_view text);
