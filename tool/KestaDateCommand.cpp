@@ -17,6 +17,14 @@ constexpr int iLastFormat = CKestaDate::DDMonYYYY;
 constexpr const char* formatNames[] = {"",         "DDMMYY",    "DDMMYYYY", "MMDDYY",
                                        "MMDDYYYY", "MonDDYYYY", "DDMonYYYY"};
 
+// The library adds days to the day of the month as wrapping 32-bit numbers: a negative number
+// counts backwards, and the largest ones go by halves.
+CKestaDate later(const CKestaDate& date, int iDays)
+{
+    const int iHalf = iDays / 2;
+    return date + static_cast<unsigned int>(iHalf) + static_cast<unsigned int>(iDays - iHalf);
+}
+
 class CDateCommand : public CKestaCommand
 {
 public:
@@ -39,17 +47,21 @@ private:
 };
 
 CDateCommand::CDateCommand(CLI::App& root)
-    : CKestaCommand(root, "date", "Show a date, and count with it",
-                    "Shows the date in all six formats, or in one of them.\n\nFormats: 1 DDMMYY, 2 "
-                    "DDMMYYYY, 3 MMDDYY, 4 MMDDYYYY, 5 MonDDYYYY, 6 DDMonYYYY")
+    : CKestaCommand(
+          root, "date", "Print a date; add or subtract days",
+          "Prints the date in all six formats, or in one of them.\n\nFormats: 1 DDMMYY, 2 "
+          "DDMMYYYY, 3 MMDDYY, 4 MMDDYYYY, 5 MonDDYYYY, 6 DDMonYYYY")
 {
     m_app.add_option("TEXT", m_strDate, "The date, month/day/year; today when left out")
         ->type_name("");
-    m_app.add_option("--plus", m_strPlus, "Go on by so many days")->type_name("DAYS");
+    m_app.add_option("--plus", m_strPlus, "Add DAYS days, or subtract them when negative")
+        ->type_name("DAYS");
     CLI::Option* const pMinus =
-        m_app.add_option("--minus", m_strMinus, "Show the days since this date instead")
+        m_app
+            .add_option("--minus", m_strMinus,
+                        "Print the number of days since the date TEXT instead")
             ->type_name("TEXT");
-    m_app.add_option("--format", m_strFormat, "Show this format alone, 1 to 6")
+    m_app.add_option("--format", m_strFormat, "Print this format only, 1 to 6")
         ->type_name("N")
         ->excludes(pMinus);
     m_app.add_flag("--json", m_bJson, "Write JSON");
@@ -75,7 +87,7 @@ CKestaDate CDateCommand::readDates(long& lDays) const
 {
     CKestaDate date = has("TEXT") ? readDate("date", m_strDate) : CKestaDate();
     if (has("--plus"))
-        date = date + static_cast<unsigned int>(readNumber("--plus", m_strPlus, 0, UINT_MAX));
+        date = later(date, static_cast<int>(readNumber("--plus", m_strPlus, INT_MIN, INT_MAX)));
     if (has("--minus"))
         lDays = static_cast<long>(date - readDate("--minus", m_strMinus));
     return date;

@@ -1,8 +1,8 @@
-#include "KestaArgument.h"
 #include "KestaCommands.h"
 #include "KestaFilterScanner.h"
 #include "KestaInput.h"
 #include "KestaOutput.h"
+#include "KestaRangeArgument.h"
 #include "KestaToolError.h"
 #include "KestaToolText.h"
 

@@ -1,3 +1,4 @@
+#include "KestaAddressClass.h"
 #include "KestaAddressText.h"
 #include "KestaCommands.h"
 #include "KestaExclusion.h"
@@ -7,6 +8,8 @@
 #include "KestaToolError.h"
 
 #include <CLI/CLI.hpp>
+
+#include <cerrno>
 
 namespace
 {
@@ -35,16 +38,17 @@ struct CHost
             const TAddress& address = all.getAt(u);
             const bool bKept = uKept < kept.size() && textOf(kept.getAt(uKept)) == textOf(address);
             uKept += bKept;
-            entries.push_back({textOf(address), familyOf(address), classOf(address), bKept});
+            entries.push_back(
+                {textOf(address), familyOf(address), classOf(intervalOf(address)), bKept});
         }
     }
 };
 
 std::string hostName()
 {
-    char szName[1024];
+    char szName[1024];   // as the library asks for
     if (KestaIPUtilities::queryHostName(szName) != 0)
-        throw CKestaToolError("this host's name: the system does not tell it");
+        throw CKestaToolError(systemError("cannot determine the host name", errno));
     return szName;
 }
 
@@ -52,7 +56,7 @@ std::string systemName()
 {
     CKestaString strName;
     if (KestaIPUtilities::setOSName(strName) != 0)
-        throw CKestaToolError("the operating system's name: the system does not tell it");
+        throw CKestaToolError(systemError("cannot determine the operating system's name", errno));
     return strName;
 }
 
@@ -77,7 +81,7 @@ CHostCommand::CHostCommand(CLI::App& root)
                     "filter keeps it.\nThe filter drops loopback addresses always, and the classes "
                     "of --exclude.")
 {
-    m_app.add_option("--exclude", m_strExcluded, szExclusionHelp)->type_name("CLASSES");
+    m_app.add_option("--exclude", m_strExcluded, exclusionHelp())->type_name("CLASSES");
     m_app.add_flag("--json", m_bJson, "Write JSON");
 }
 

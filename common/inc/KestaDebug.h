@@ -4,48 +4,57 @@
 #include "KestaExport.h"
 #include "KestaString.h"
 
+#include <atomic>
 #include <string_view>
 #include <type_traits>
 
 #include <pthread.h>
 
 class CKestaExc;
-class CKestaLineFile;
 
 /// Held from `CKestaDebug::initialize` to `CKestaDebug::unInitialize`: while tracing is set up, it
 /// serialises whole entries into the library. Plain and not recursive: a second `initialize` on
 /// the same thread blocks for ever.
 KESTA_API extern pthread_mutex_t ghMutex;
 
+/// The highest level that is traced now; below every level while tracing is off. Written by the
+/// library alone; `CKestaDebug::isTraced` is the way to ask.
+KESTA_API extern std::atomic<long> glKestaTracedLevel;
+
 /// The start of an entry into the library: reads the configuration and, unless its level is 0,
-/// takes the mutex and opens the trace log. A host calls it before each unit of work, and
-/// `unInitialize` after it.
-///
-///     initialize();
-///     KestaIPRange range("10.1.*.*");     // traced
-///     unInitialize();
+/// takes the mutex and opens the trace log. `unInitialize` ends the entry; `CKestaEntry` calls the
+/// two, also when an exception leaves the unit of work, and is what a host should use.
 ///
 /// Level 52813 gives a plain log, and writes every line; any other level gives an enciphered one.
 /// A log that can't be opened costs one line of warning on standard output, nothing else.
 ///
-/// Blocks while another thread is in an entry with tracing. Throws: `std::bad_alloc` only.
+/// The entry belongs to the calling thread, and ends at the latest when the thread does. Waits
+/// while another thread is in an entry with tracing. A thread may be cancelled here, at the start
+/// and while it waits; it has begun nothing then.
+///
+/// Throws: `std::bad_alloc` only. Nothing is held then, and `unInitialize` is not to be called.
 KESTA_API void initialize();
 
 /// The end of an entry into the library: closes the trace log, and rolls it over when it has grown
 /// too large.
 ///
-/// Intended: the mutex is released even when `initialize` did not take it (level 0).
+/// Intended: the mutex is released even when `initialize` did not take it (level 0), and a thread
+/// that is in no entry ends the one in progress. Only a thread with an entry of its own ends
+/// nothing else: entries of other threads keep their log and the mutex.
 KESTA_API void unInitialize();
 
 /// The trace log. Everything is static and process-wide.
 ///
 /// A line is "[" item type "]:" source ":" message and a newline. It is written when the switch is
-/// on and the configured level is at least the level of the line; docs/trace-log.md tells the bytes
-/// of the file.
+/// on and the configured level is at least the level of the line; docs/trace-log.md describes the
+/// bytes of the file.
 ///
-/// Thread contract: nothing here locks but `initialize`, and nothing releases but `unInitialize`;
-/// the other operations count on being called between the two, by the thread that called the first.
-/// With tracing off they may be called from any thread.
+/// Thread contract: any thread may call anything at any time. Lines go to the log of the entry in
+/// progress, each whole: those of the thread that made the entry, and those of threads that are in
+/// no entry. A thread whose own entry is at level 0 writes nothing. A thread may be cancelled at
+/// the start of a line that is to be written, never amid it.
+///
+/// A line that there is no memory or no room on the disk for is lost, without an error.
 class KESTA_API CKestaDebug
 {
 public:
@@ -57,11 +66,12 @@ public:
     /// can't be opened leaves tracing off, with a warning on standard output when the switch of the
     /// configuration was on. In an entry that is set up already it does nothing more.
     ///
-    /// Throws: `std::bad_alloc` only; the mutex is held then, too.
+    /// Throws: `std::bad_alloc` only; nothing is held then.
     static int initialize(const CKestaString& strFilePath, bool bEncrypted, int iLevel);
 
     /// Closes the log, renames it when it is larger than the configured size, resets the settings
-    /// and releases the mutex. Without a log that was set up, it releases the mutex only.
+    /// and releases the mutex. Without a log that was set up, it releases the mutex only. While
+    /// another thread's entry is in progress, a thread with an entry of its own ends that alone.
     static void unInitialize();
 
     /// Writes one line, if it is to be traced at this level.
@@ -72,31 +82,41 @@ public:
     /// number, "," and its message.
     static void logMessage(const CKestaExc& refException);
 
-    /// Turns the switch on or off, until the end of the entry.
+    /// Turns the switch on or off: until the end of the entry, or, where no log is open, until the
+    /// next one begins.
     static void enable(bool bEnable);
 
     /// Writes a text as it stands, if the switch is on; there is no test of level.
     static void writeMessage(const CKestaString& strMessage);
 
-    /// True when a line of this level is to be traced. It is the test that every trace call makes
-    /// before it does anything else; ask it before building a costly message.
-    static bool isTraced(int iLevel) { return isEnabled() && m_iLevel >= iLevel; }
+    /// True when lines of this level are traced. It is the test that every trace call makes before
+    /// it does anything else; ask it before building a costly message.
+    static bool isTraced(int iLevel)
+    {
+        return iLevel <= glKestaTracedLevel.load(std::memory_order_relaxed);
+    }
+
+    /// Writes one line, if it is to be traced at this level. What `logMessage` does, without making
+    /// texts of its arguments, which end before their first NUL bytes.
+    static void logText(std::string_view itemType, std::string_view source,
+                        std::string_view message, int iLevel);
 
     /// The whole of `KESTA_DEBUG1` and `KESTA_DEBUG2`: makes texts of its arguments, which a call
     /// does only when the line is to be traced.
     template <class TSource, class TMessage>
-    static void trace(const TSource& source, const TMessage& message)
+    static void trace(const TSource& source, const TMessage& message, int iLevel)
     {
-        writeTrace("MSG", textOf(source), textOf(message));
+        logText("MSG", textOf(source), textOf(message), iLevel);
     }
+
+    /// The path of the trace log, by the configuration that was read last.
+    static CKestaString getLogFile();
+
+    /// The path that the log takes when it is rolled over.
+    static CKestaString getOldLogFile();
 
 private:
-    static bool isEnabled()
-    {
-        return m_strEnabled.size() == 1 && (m_strEnabled[0] == 'Y' || m_strEnabled[0] == 'y');
-    }
-
-    // Whatever is text is looked at where it stands; the rest becomes a CKestaString.
+    // Anything convertible to string_view is used in place; anything else is formatted.
     template <class T>
     static auto textOf(const T& text)
     {
@@ -105,19 +125,6 @@ private:
         else
             return CKestaString(text);
     }
-
-    static void loadSettings(const CKestaString& strFilePath);
-    static void writeTrace(std::string_view itemType, std::string_view source,
-                           std::string_view message);
-
-    static bool m_bEncrypted;
-    static CKestaString m_strEnabled;
-    static int m_iLevel;
-    static int m_iDebugSize;
-    static bool m_bInitialized;
-    static CKestaString m_strFilePath;
-    static CKestaString m_strNewFile;
-    static CKestaLineFile m_File;
 };
 
 /// Traces a message of the library itself, item type "MSG" and source "FH", at a level.
@@ -131,7 +138,7 @@ template <class TMessage = CKestaString>
 inline void KESTA_DEBUG1(const TMessage& message, int iLevel)
 {
     if (CKestaDebug::isTraced(iLevel))
-        CKestaDebug::trace("FH", message);
+        CKestaDebug::trace("FH", message, iLevel);
 }
 
 /// Traces a message of a source, item type "MSG", at a level.
@@ -141,7 +148,7 @@ template <class TSource = CKestaString, class TMessage = CKestaString>
 inline void KESTA_DEBUG2(const TSource& source, const TMessage& message, int iLevel)
 {
     if (CKestaDebug::isTraced(iLevel))
-        CKestaDebug::trace(source, message);
+        CKestaDebug::trace(source, message, iLevel);
 }
 
 #endif
