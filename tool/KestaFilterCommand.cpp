@@ -2,6 +2,7 @@
 #include "KestaFilterScanner.h"
 #include "KestaInput.h"
 #include "KestaOutput.h"
+#include "KestaProgress.h"
 #include "KestaRangeArgument.h"
 #include "KestaToolError.h"
 #include "KestaToolText.h"
@@ -37,7 +38,7 @@ public:
         constexpr std::size_t ulShown = 64;
         const std::string strShown(text.substr(0, ulShown));
         report(m_strFile + ":" + std::to_string(ullLine) + ": " +
-               inQuotes(strShown + (text.size() > ulShown ? "..." : "")) + " is no address");
+               "not an IP address: " + inQuotes(strShown + (text.size() > ulShown ? "..." : "")));
     }
 
 private:
@@ -48,10 +49,12 @@ private:
 void scan(const std::string& strPath, CKestaFilterScanner& scanner, CFilterSink& sink)
 {
     CKestaInput input(strPath);
+    CKestaProgress progress(input);
     sink.setFile(input.name());
     for (std::string_view bytes = input.read(); !bytes.empty(); bytes = input.read())
     {
         scanner.feed(bytes);
+        progress.advance(bytes.size());
         sink.flush();   // what a slow writer sends is not kept waiting for a whole block
     }
     scanner.finish();

@@ -48,7 +48,7 @@ CKestaInput::CKestaInput(const std::string& strName, int iFile) : m_strName(strN
     if (iFile < 0)
         throw CKestaInputError(systemError(m_strName, errno));
     if (isStandardOutput())
-        throw CKestaInputError(m_strName + ": is standard output, too");
+        throw CKestaInputError(m_strName + ": input file is also the output");
     m_buffer.resize(ulBlock);
 }
 
@@ -82,6 +82,14 @@ bool CKestaInput::rewindIfShortened()
         return false;
     lseek(m_file.get(), 0, SEEK_SET);
     return true;
+}
+
+std::uint64_t CKestaInput::size() const
+{
+    struct stat own;
+    return fstat(m_file.get(), &own) == 0 && S_ISREG(own.st_mode)
+               ? static_cast<std::uint64_t>(own.st_size)
+               : 0;
 }
 
 bool CKestaInput::isStandardOutput() const

@@ -4,6 +4,7 @@
 #include "KestaDescriptor.h"
 #include "KestaToolError.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -59,6 +60,9 @@ public:
     /// Goes back to the start, and returns true, when the file has become shorter than what was
     /// read of it.
     bool rewindIfShortened();
+
+    /// The size of a regular file; 0 for another.
+    std::uint64_t size() const;
 
     /// The name to show: the path, or "(standard input)".
     const std::string& name() const { return m_strName; }

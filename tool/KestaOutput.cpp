@@ -1,5 +1,6 @@
 #include "KestaOutput.h"
 
+#include "KestaProgress.h"
 #include "KestaToolError.h"
 
 #include <cerrno>
@@ -56,6 +57,8 @@ bool CKestaOutput::isColoured()
 
 void CKestaOutput::writeAll(std::string_view bytes)
 {
+    if (!bytes.empty())
+        CKestaProgress::hide();
     while (!bytes.empty())
     {
         const ssize_t lWritten = ::write(STDOUT_FILENO, bytes.data(), bytes.size());

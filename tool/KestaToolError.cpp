@@ -1,5 +1,6 @@
 #include "KestaToolError.h"
 
+#include "KestaProgress.h"
 #include "KestaToolText.h"
 
 #include <cstring>
@@ -9,6 +10,7 @@
 void report(const std::string& strMessage)
 {
     const std::string strLine = "kesta: " + printable(strMessage) + "\n";
+    CKestaProgress::hide();
     // Where standard error fails, there is no place left to say so.
     [[maybe_unused]] const ssize_t lWritten = write(STDERR_FILENO, strLine.data(), strLine.size());
 }
