@@ -27,8 +27,8 @@ struct CKestaLogFollower::CLog
     CKestaLogPrinter printer;
 };
 
-CKestaLogFollower::CKestaLogFollower(const CKestaLogFiles& files, CKestaOutput& output)
-    : m_files(files), m_output(output), m_watch(files.strLog, files.strOldLog)
+CKestaLogFollower::CKestaLogFollower(const CKestaFollowedLog& followed, CKestaOutput& output)
+    : m_followed(followed), m_output(output), m_watch(followed.strLog, followed.strOldLog)
 {
 }
 
@@ -55,7 +55,7 @@ void CKestaLogFollower::begin()
 {
     try
     {
-        if (std::unique_ptr<CKestaInput> pOld = CKestaInput::openIfThere(m_files.strOldLog))
+        if (std::unique_ptr<CKestaInput> pOld = CKestaInput::openIfThere(m_followed.strOldLog))
         {
             pOld->skip();
             m_oldId = pOld->id();
@@ -64,13 +64,13 @@ void CKestaLogFollower::begin()
     }
     catch (const CKestaInputError&)
     {
-        m_oldId = CKestaFileId::at(m_files.strOldLog);
+        m_oldId = CKestaFileId::at(m_followed.strOldLog);
     }
     look();
     m_watch.takeRollOvers();
     m_lUnseen = 0;
     if (m_pLog == nullptr)
-        report(m_files.strLog + ": there is no such log yet; waiting for it");
+        report(m_followed.strLog + ": there is no such log yet; waiting for it");
 }
 
 void CKestaLogFollower::update()
@@ -90,15 +90,15 @@ void CKestaLogFollower::look()
 {
     while (m_logs.size() < ulMostHeld)
     {
-        if (CKestaFileId::at(m_files.strOldLog) != m_oldId)
+        if (CKestaFileId::at(m_followed.strOldLog) != m_oldId)
         {
             rollOver();
             continue;
         }
-        if (CKestaFileId::at(m_files.strLog) == logId())
+        if (CKestaFileId::at(m_followed.strLog) == logId())
             return;
-        std::unique_ptr<CKestaInput> pNew = CKestaInput::openIfThere(m_files.strLog);
-        if (CKestaFileId::at(m_files.strOldLog) != m_oldId)
+        std::unique_ptr<CKestaInput> pNew = CKestaInput::openIfThere(m_followed.strLog);
+        if (CKestaFileId::at(m_followed.strOldLog) != m_oldId)
             continue;   // rolled over meanwhile: another log may come before the new one
         if (pNew != nullptr)
         {
@@ -112,14 +112,14 @@ void CKestaLogFollower::look()
 // The old log's path leads to another file than before.
 void CKestaLogFollower::rollOver()
 {
-    const CKestaFileId oldId = CKestaFileId::at(m_files.strOldLog);
+    const CKestaFileId oldId = CKestaFileId::at(m_followed.strOldLog);
     const bool bDeleted = oldId == CKestaFileId();
-    const bool bFromElsewhere = m_pLog != nullptr && CKestaFileId::at(m_files.strLog) == logId();
+    const bool bFromElsewhere = m_pLog != nullptr && CKestaFileId::at(m_followed.strLog) == logId();
     if (!bDeleted && !bFromElsewhere)
     {
         if (oldId != logId())
         {
-            std::unique_ptr<CKestaInput> pBetween = CKestaInput::openIfThere(m_files.strOldLog);
+            std::unique_ptr<CKestaInput> pBetween = CKestaInput::openIfThere(m_followed.strOldLog);
             if (pBetween == nullptr || pBetween->id() != oldId)
                 return;   // replaced again
             add(std::move(pBetween));
@@ -154,7 +154,7 @@ void CKestaLogFollower::copy(CLog& log)
     if (log.pInput->rewindIfShortened())
     {
         log.printer.finish();
-        report(m_files.strLog + ": truncated; going on at its start");
+        report(m_followed.strLog + ": truncated; going on at its start");
     }
     for (std::string_view bytes = log.pInput->read(); !bytes.empty(); bytes = log.pInput->read())
     {
@@ -183,10 +183,11 @@ void CKestaLogFollower::settle()
 void CKestaLogFollower::reportMissed() const
 {
     std::string strMissed = std::to_string(m_lUnseen) + (m_lUnseen == 1 ? " log" : " logs");
-    if (m_files.lSizeLimit.has_value())
+    if (m_followed.lSizeLimit.has_value())
         strMissed += ", at least " +
-                     std::to_string(m_lUnseen * std::max(*m_files.lSizeLimit + 1, 0L)) + " bytes";
-    report(m_files.strLog + ": missed " + strMissed +
+                     std::to_string(m_lUnseen * std::max(*m_followed.lSizeLimit + 1, 0L)) +
+                     " bytes";
+    report(m_followed.strLog + ": missed " + strMissed +
            ", rolled over faster than they could be read");
 }
 

@@ -13,7 +13,7 @@
 class CKestaOutput;
 
 /// Where a trace log is, and where it goes.
-struct CKestaLogFiles
+struct CKestaFollowedLog
 {
     std::string strLog;
     std::string strOldLog;            ///< Empty when it is not known.
@@ -31,7 +31,7 @@ struct CKestaLogFiles
 class CKestaLogFollower
 {
 public:
-    CKestaLogFollower(const CKestaLogFiles& files, CKestaOutput& output);
+    CKestaLogFollower(const CKestaFollowedLog& followed, CKestaOutput& output);
     ~CKestaLogFollower();
 
     CKestaLogFollower(const CKestaLogFollower&) = delete;
@@ -56,7 +56,7 @@ private:
     void reportMissed() const;
     CKestaFileId logId() const;
 
-    CKestaLogFiles m_files;
+    CKestaFollowedLog m_followed;
     CKestaOutput& m_output;
     CKestaLogWatch m_watch;
     std::list<CLog> m_logs;   // held open, the oldest first

@@ -1,26 +1,15 @@
 #include "KestaLogWatch.h"
 
+#include "KestaFileFacts.h"
 #include "KestaToolError.h"
 
 #include <poll.h>
 #include <sys/inotify.h>
 #include <unistd.h>
 
-namespace
-{
-
-std::string directoryOf(const std::string& strPath)
-{
-    const std::size_t ulSlash = strPath.rfind('/');
-    return ulSlash == std::string::npos ? "." : strPath.substr(0, ulSlash + 1);
-}
-
-}   // namespace
-
 CKestaLogWatch::CKestaLogWatch(const std::string& strLog, const std::string& strOldLog)
     : m_events(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)), m_strDirectory(directoryOf(strLog)),
-      m_strOldDirectory(directoryOf(strOldLog)),
-      m_strOldName(strOldLog.substr(strOldLog.rfind('/') + 1))
+      m_strOldDirectory(directoryOf(strOldLog)), m_strOldName(fileNameOf(strOldLog))
 {
     watch();
 }
