@@ -36,12 +36,14 @@ std::string explanation(const std::string& strText, const CKestaAddressInterval&
     const std::string strIPv4 = strText.substr(strText.rfind(':') + 1);   // also when mapped
     if (withStarsZero(strIPv4) != textOf(false, interval.first))
     {
-        const auto lDots = std::count(strIPv4.begin(), strIPv4.end(), '.');
-        std::string strFull = strIPv4;
-        for (auto lMissing = 3 - lDots; lMissing > 0; --lMissing)
-            strFull += ".*";
-        return "is read as " + endsOf(interval) +
-               (strIPv4.back() == '*' ? "; for the whole block write " + strFull : "");
+        const std::string strReading = "is read as " + endsOf(interval);
+        const std::size_t ulLast = strIPv4.rfind(".*");
+        if (ulLast == std::string::npos || ulLast + 2 != strIPv4.size())
+            return strReading;
+        std::string strBlock = strIPv4;
+        for (auto lDots = std::count(strIPv4.begin(), strIPv4.end(), '.'); lDots < 3; ++lDots)
+            strBlock += ".*";
+        return strReading + "; for the whole block write " + strBlock;
     }
     const std::size_t ulStar = strIPv4.find('*');
     if (ulStar != std::string::npos && strIPv4.find_first_not_of(".*", ulStar) != std::string::npos)
@@ -63,6 +65,8 @@ std::string starForm(CKestaIPv6Number address, int iStars)
 // The range texts that hold just these IPv4 addresses, if they are alike but for one number.
 std::string starForms(const CKestaAddressInterval& interval)
 {
+    if (interval.first == 0)
+        return "several ranges, none of which may begin with 0.0.0.0";
     for (int iStars = 3; iStars >= 0; --iStars)
     {
         const CKestaIPv6Number rest = (CKestaIPv6Number{1} << 8 * iStars) - 1;

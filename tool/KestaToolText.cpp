@@ -1,42 +1,36 @@
 #include "KestaToolText.h"
 
-#include <cstdint>
-
 namespace
 {
 
-struct CCharacter
+// The length of the UTF-8 character that a text begins with; 0 when it begins with none, or with a
+// control character. Terminals obey also those from U+0080 to U+009F.
+std::size_t characterLength(std::string_view text)
 {
-    std::size_t ulLength;
-    bool bSafe;   // for a terminal
-};
-
-bool isControl(std::uint32_t uCode)
-{
-    return uCode < 0x20 || (uCode >= 0x7F && uCode < 0xA0);
-}
-
-// The UTF-8 character that a text begins with; else its first byte. An overlong form is no
-// character: it could hide a control.
-CCharacter firstCharacter(std::string_view text)
-{
-    constexpr std::uint32_t lowestCodes[] = {0, 0, 0x80, 0x800, 0x10000};
-    constexpr CCharacter noCharacter{1, false};
-    const auto uFirst = static_cast<unsigned char>(text[0]);
-    if (uFirst < 0x80)
-        return {1, !isControl(uFirst)};
-    const std::size_t ulLength = uFirst < 0xE0 ? 2 : uFirst < 0xF0 ? 3 : 4;
-    if (uFirst < 0xC0 || uFirst > 0xF4 || ulLength > text.size())
-        return noCharacter;
-    std::uint32_t uCode = uFirst & (0x7FU >> ulLength);
+    const auto byteAt = [text](std::size_t ul)
+    {
+        return static_cast<unsigned char>(text[ul]);
+    };
+    const unsigned int uLead = byteAt(0);
+    if (uLead < 0x80)
+        return uLead >= 0x20 && uLead != 0x7F ? 1 : 0;
+    const std::size_t ulLength = uLead < 0xC2   ? 0
+                                 : uLead < 0xE0 ? 2
+                                 : uLead < 0xF0 ? 3
+                                 : uLead < 0xF5 ? 4
+                                                : 0;
+    if (ulLength == 0 || ulLength > text.size())
+        return 0;
+    unsigned int uCode = uLead & 0x7FU >> ulLength;
     for (std::size_t ul = 1; ul < ulLength; ++ul)
     {
-        const auto uNext = static_cast<unsigned char>(text[ul]);
-        if ((uNext & 0xC0) != 0x80)
-            return noCharacter;
-        uCode = uCode << 6 | (uNext & 0x3F);
+        if ((byteAt(ul) & 0xC0) != 0x80)
+            return 0;
+        uCode = uCode << 6 | (byteAt(ul) & 0x3F);
     }
-    return uCode < lowestCodes[ulLength] ? noCharacter : CCharacter{ulLength, !isControl(uCode)};
+    constexpr unsigned int lowest[] = {0, 0, 0xA0, 0x800, 0x10000};
+    const bool bSurrogate = uCode >> 11 == 0x1B;
+    return uCode >= lowest[ulLength] && uCode <= 0x10FFFF && !bSurrogate ? ulLength : 0;
 }
 
 }   // namespace
@@ -47,16 +41,14 @@ std::string printable(std::string_view text, std::string_view kept)
     std::string strResult;
     while (!text.empty())
     {
-        const CCharacter first = firstCharacter(text);
-        if (first.bSafe || kept.find(text[0]) != std::string_view::npos)
-            strResult += text.substr(0, first.ulLength);
+        const bool bKept = kept.find(text.front()) != std::string_view::npos;
+        const std::size_t ulLength = bKept ? 1 : characterLength(text);
+        const unsigned char uByte = static_cast<unsigned char>(text.front());
+        if (ulLength > 0)
+            strResult += text.substr(0, ulLength);
         else
-            for (const char c : text.substr(0, first.ulLength))
-            {
-                const auto uByte = static_cast<unsigned char>(c);
-                strResult.append("\\x") += {szDigits[uByte >> 4], szDigits[uByte & 15]};
-            }
-        text.remove_prefix(first.ulLength);
+            strResult.append("\\x") += {szDigits[uByte >> 4], szDigits[uByte & 15]};
+        text.remove_prefix(ulLength > 0 ? ulLength : 1);
     }
     return strResult;
 }

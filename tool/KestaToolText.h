@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-/// A text with every byte that a terminal could obey written as \x and two digits: control
-/// characters, but for the `kept` ones, and bytes that are not UTF-8.
+/// A text with everything that a terminal would obey, and every byte that is not of UTF-8, written
+/// as \x and two digits; but for the `kept` ones.
 std::string printable(std::string_view text, std::string_view kept = {});
 
 /// A text between single quotes.
