@@ -8,6 +8,7 @@
 #include "KestaLogReport.h"
 #include "KestaLogVerdict.h"
 #include "KestaOutput.h"
+#include "KestaProgress.h"
 #include "KestaToolError.h"
 #include "KestaTraceSettings.h"
 
@@ -20,11 +21,13 @@ namespace
 bool copyLog(CKestaInput& input, CKestaOutput& output)
 {
     CKestaLogPrinter printer(output);
+    CKestaProgress progress(input);
     bool bSome = false;
     for (std::string_view bytes = input.read(); !bytes.empty(); bytes = input.read())
     {
         printer.print(bytes);
         output.flush();
+        progress.advance(bytes.size());
         bSome = true;
     }
     printer.finish();
