@@ -27,9 +27,8 @@ std::string decoded(const std::string& log, std::size_t block)
 TEST(LogDecoder, Bytes)
 {
     const std::string end("\n\0\n", 3), nul(1, '\0'), mark = "\xFE\xFF", a = mark + "[MSG]:a";
-    const std::pair<std::string, std::string> rows[] = {
-        {"", ""}, {"\n\n", "\n\n"}, {"plain", "plain\n"},
-        {a + end + "[MSG]:b" + end, "[MSG]:a\n[MSG]:b\n"},
+    const std::pair<std::string, std::string> rows[] = {{"", ""}, {"\n\n", "\n\n"},
+        {"plain", "plain\n"}, {a + end + "[MSG]:b" + end, "[MSG]:a\n[MSG]:b\n"},
         {mark + "cipher" + nul + "\nmore" + nul + "\n", "cipher\nmore\n"},
         // torn, and written on by another process
         {a + a + end, "[MSG]:a\n[MSG]:a\n"}, {a + "\n" + nul + a + end, "[MSG]:a\n[MSG]:a\n"},
@@ -37,8 +36,9 @@ TEST(LogDecoder, Bytes)
         {a + end + nul + "\n", "[MSG]:a\n"}, {"a" + nul + nul + "b", "a\nb\n"},
         // a mark that is none: no item type follows
         {"a" + mark + "b\xFE", "a" + mark + "b\xFE\n"}, {"a" + mark + "[MS", "a" + mark + "[MS\n"},
-        {"a" + mark + "[MsG]:", "a" + mark + "[MsG]:\n"}, {"a" + mark + "[]:", "a" + mark + "[]:\n"},
-        {"a" + mark + "[A]x", "a" + mark + "[A]x\n"}, {"a" + mark + mark, "a" + mark + mark + "\n"},
+        {"a" + mark + "[MsG]:", "a" + mark + "[MsG]:\n"},
+        {"a" + mark + "[]:", "a" + mark + "[]:\n"}, {"a" + mark + "[A]x", "a" + mark + "[A]x\n"},
+        {"a" + mark + mark, "a" + mark + mark + "\n"},
         {"a" + mark + "[ABCDEFGHIJ_09876]:", "a\n[ABCDEFGHIJ_09876]:\n"},
         {"a" + mark + "[ABCDEFGHIJ_098765]:", "a" + mark + "[ABCDEFGHIJ_098765]:\n"}};
     for (const auto& [log, want] : rows)
@@ -117,7 +117,7 @@ protected:
 // However fast the log is rolled over: what is not shown is said to be missed.
 TEST_F(FollowTest, LosesNothingUnsaid)
 {
-    const std::tuple<int, int, int, int> rows[] = {   // limit, level, logs, lines in each
+    const std::tuple<int, int, int, int> rows[] = {// limit, level, logs, lines in each
         {0, 3, 1500, 1}, {0, 52813, 1500, 1}, {1, 3, 500, 60}, {20, 3, 50, 1200}};
     for (int round = 0; round < 2; ++round)
         for (const auto& [limit, level, logs, each] : rows)
@@ -128,7 +128,7 @@ TEST_F(FollowTest, LosesNothingUnsaid)
             ASSERT_TRUE(untilSaid(waiting)) << said();
             for (int number = 0; number < logs * each;)
             {
-                const Entry entry;
+                const CKestaEntry entry;
                 for (const int last = number + each; number < last; ++number)
                     KESTA_DEBUG1(std::to_string(1000000 + number), 1);
             }
@@ -215,9 +215,9 @@ TEST_F(FollowTest, EndsAtASignalWhateverHappens)
     mkfifo(pipe.c_str(), 0600);
     std::ofstream(big) << std::string(1000000, '\n');
     const int reader = open(pipe.c_str(), O_RDWR);
-    const std::tuple<const char*, std::string, std::string> rows[] = {
-        {"stalled reader", big, pipe}, {"pipe for a log", pipe, dir + "shown"},
-        {"no log", dir + "no/log", dir + "shown"}, {"growing log", grows, "/dev/null"}};
+    const std::tuple<const char*, std::string, std::string> rows[] = {{"stalled reader", big, pipe},
+        {"pipe for a log", pipe, dir + "shown"}, {"no log", dir + "no/log", dir + "shown"},
+        {"growing log", grows, "/dev/null"}};
     const pid_t writer = fork();
     if (writer == 0)
     {

@@ -36,6 +36,14 @@ std::string stateOf(const CKestaCheckedVariable& variable)
     }
 }
 
+std::string directoryMeaning(const std::string& strDirectory, const char* pszDefault)
+{
+    if (strDirectory.empty())
+        return pszDefault;
+    return strDirectory.front() == '/' ? "directory"
+                                       : "directory, relative to the one that the host runs in";
+}
+
 // What the library makes of a value, whether another line replaces it or not.
 std::string meaningOf(const std::string& strKey, const std::string& strValue)
 {
@@ -47,10 +55,9 @@ std::string meaningOf(const std::string& strKey, const std::string& strValue)
     if (strKey == "DEBUGSIZE")
         return std::to_string(sizeLimit(iNumber)) + " bytes";
     if (strKey == "DEBUGFILEPATH")
-        return strValue.empty() ? "log/ below the data directory" : "directory of the log";
+        return directoryMeaning(strValue, "log/ below the data directory");
     if (strKey == "DEBUGNEWFILE")
-        return strValue.empty() ? "the root directory, for the old log"
-                                : "directory of the old log";
+        return directoryMeaning(strValue, "the root directory");
     if (strKey == "DEBUGITEMS")
         return "kept for the host";
     return szUnknownKey;

@@ -151,7 +151,7 @@ CObstacle findInDirectory(const CKestaLogFacts& facts)
         return std::nullopt;
     const std::string strName = "the log directory " + directory.strPath;
     if (directory.iError == ENOENT)
-        return CKestaFinding{strName + " does not exist", "create it, for " + user() + " to write"};
+        return CKestaFinding{strName + " does not exist", "create it, writable for " + user()};
     if (directory.iAccessError != 0)
         return CKestaFinding{
             systemError(user() + " can't write to " + strName, directory.iAccessError) +
@@ -188,19 +188,24 @@ CObstacle findInSpace(const CKestaLogFacts& facts)
     return std::nullopt;
 }
 
-// Why the log can't become the old log; empty when it can.
-std::string rollOverError(const CKestaLogFacts& facts)
+// What keeps the log from becoming the old log.
+CObstacle findInRollOver(const CKestaLogFacts& facts)
 {
-    const CKestaFileFacts& directory = facts.oldLogDirectory;
-    if (directory.iAccessError != 0)
-        return systemError(directory.strPath, directory.iAccessError);
-    if (facts.logDirectory.iAccessError != 0)
-        return systemError(facts.logDirectory.strPath, facts.logDirectory.iAccessError);
+    const std::string strWhat = "the log can't be rolled over and grows without a limit: ";
+    const CKestaFileFacts& from = facts.logDirectory;
+    const CKestaFileFacts& to = facts.oldLogDirectory;
     if (facts.oldLog.isDirectory())
-        return systemError(facts.oldLog.strPath, EISDIR);
-    if (directory.status.st_dev != facts.logDirectory.status.st_dev)
-        return systemError(directory.strPath, EXDEV);
-    return "";
+        return CKestaFinding{strWhat + systemError(facts.oldLog.strPath, EISDIR), "remove it"};
+    if (from.iAccessError != 0)
+        return CKestaFinding{strWhat + systemError(from.strPath, from.iAccessError),
+                             "let " + user() + " write to it"};
+    const int iError =
+        to.isThere() && to.status.st_dev != from.status.st_dev ? EXDEV : to.iAccessError;
+    if (iError != 0)
+        return CKestaFinding{strWhat + systemError(to.strPath, iError),
+                             "set DEBUGNEWFILE to a directory of the same file system that " +
+                                 user() + " can write to"};
+    return std::nullopt;
 }
 
 std::vector<CKestaFinding> findSurprises(const CKestaLogFacts& facts)
@@ -209,11 +214,8 @@ std::vector<CKestaFinding> findSurprises(const CKestaLogFacts& facts)
     if (facts.iLevel < iLibraryLevel)
         result.push_back({"the library's own lines are of level 3, error objects of level 1",
                           "write DEBUGLEVEL=3 to have them all"});
-    const std::string strError = rollOverError(facts);
-    if (!strError.empty())
-        result.push_back({"the log can't be rolled over and grows without a limit: " + strError,
-                          "set DEBUGNEWFILE to a directory of the same file system that " + user() +
-                              " can write to"});
+    if (const CObstacle obstacle = findInRollOver(facts))
+        result.push_back(*obstacle);
     else if (facts.iSizeLimit <= 0)
         result.push_back({"every log is rolled over to " + facts.oldLog.strPath +
                               " at the end of its entry, as DEBUGSIZE leaves no room",
