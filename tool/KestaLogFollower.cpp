@@ -69,6 +69,8 @@ void CKestaLogFollower::begin()
     look();
     m_watch.takeRollOvers();
     m_lUnseen = 0;
+    if (!m_watch.isComplete())
+        report(m_followed.strLog + ": the system reports no changes; what is missed can't be said");
     if (m_pLog == nullptr)
         report(m_followed.strLog + ": there is no such log yet; waiting for it");
 }
@@ -182,7 +184,8 @@ void CKestaLogFollower::settle()
 
 void CKestaLogFollower::reportMissed() const
 {
-    std::string strMissed = std::to_string(m_lUnseen) + (m_lUnseen == 1 ? " log" : " logs");
+    std::string strMissed = (m_watch.isComplete() ? "" : "at least ") + std::to_string(m_lUnseen) +
+                            (m_lUnseen == 1 ? " log" : " logs");
     if (m_followed.lSizeLimit.has_value())
         strMissed += ", at least " +
                      std::to_string(m_lUnseen * std::max(*m_followed.lSizeLimit + 1, 0L)) +

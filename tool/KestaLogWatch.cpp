@@ -9,7 +9,8 @@
 
 CKestaLogWatch::CKestaLogWatch(const std::string& strLog, const std::string& strOldLog)
     : m_events(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)), m_strDirectory(directoryOf(strLog)),
-      m_strOldDirectory(directoryOf(strOldLog)), m_strOldName(fileNameOf(strOldLog))
+      m_strOldDirectory(directoryOf(strOldLog)), m_strOldName(fileNameOf(strOldLog)),
+      m_bComplete(m_events.get() >= 0)
 {
     watch();
 }
@@ -43,6 +44,8 @@ long CKestaLogWatch::takeRollOvers()
         for (const char* pNext = events; pNext < events + lRead;)
         {
             const auto* const pEvent = reinterpret_cast<const inotify_event*>(pNext);
+            if ((pEvent->mask & IN_Q_OVERFLOW) != 0)
+                m_bComplete = false;
             if (pEvent->wd == m_iOldDirectory && (pEvent->mask & IN_MOVED_TO) != 0 &&
                 m_strOldName == pEvent->name)
                 ++lResult;

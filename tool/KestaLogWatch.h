@@ -18,8 +18,11 @@ public:
     /// Throws: `CKestaReaderGone` when nobody reads standard output any more.
     bool wait();
 
-    /// How often a file was renamed to the old log since the last call.
+    /// How often a file was renamed to the old log since the last call, as far as it was reported.
     long takeRollOvers();
+
+    /// False when more happened than the system could report.
+    bool isComplete() const { return m_bComplete; }
 
 private:
     void watch();
@@ -29,6 +32,7 @@ private:
     std::string m_strOldDirectory;
     std::string m_strOldName;
     int m_iOldDirectory = -1;   // its number among the watched ones
+    bool m_bComplete;
 };
 
 #endif
