@@ -68,16 +68,31 @@ int check(bool bJson, CKestaOutput& output)
     return verdict.bTraced ? iStatusYes : iStatusNo;
 }
 
-/// The configured log, or another one: of that only the names are known.
-CKestaFollowedLog followed(const std::string& strLog)
+CKestaFollowedLog configuredLog()
 {
-    const std::string strConfigured = CKestaDebug::getLogFile();
-    const std::string strOldLog = CKestaDebug::getOldLogFile();
-    if (strLog.empty() || strLog == strConfigured)
-        return {strConfigured, strOldLog, sizeLimit(CKestaConfiguration::getDebugSize())};
-    if (fileNameOf(strLog) != fileNameOf(strConfigured))
-        return {strLog, "", std::nullopt};
-    return {strLog, directoryOf(strLog) + fileNameOf(strOldLog), std::nullopt};
+    return {CKestaDebug::getLogFile(), CKestaDebug::getOldLogFile(),
+            sizeLimit(CKestaConfiguration::getDebugSize())};
+}
+
+/// Of a log elsewhere only the names are known.
+CKestaFollowedLog logAt(const std::string& strPath)
+{
+    const CKestaFollowedLog configured = configuredLog();
+    if (strPath == configured.strLog)
+        return configured;
+    if (fileNameOf(strPath) != fileNameOf(configured.strLog))
+        return {strPath, "", std::nullopt};
+    return {strPath, directoryOf(strPath) + fileNameOf(configured.strOldLog), std::nullopt};
+}
+
+[[noreturn]] void followConfigured(CKestaOutput& output)
+{
+    const CKestaFollowedLog log = configuredLog();
+    const CKestaLogVerdict verdict{CKestaLogFacts()};
+    if (!verdict.bTraced)
+        report(log.strLog + ": nothing is added; " + verdict.finding.strWhat +
+               "; see 'kesta log --check'");
+    CKestaLogFollower(log, output).run();
 }
 
 class CLogCommand : public CKestaCommand
@@ -124,8 +139,10 @@ int CLogCommand::run(CKestaOutput& output)
     CKestaConfiguration::setDebugInfo(CKestaConfiguration::getConfigurationFile());
     if (m_bFollow && m_strFile == "-")
         throw CKestaToolError("--follow: needs a file, not standard input");
+    if (m_bFollow && has("FILE"))
+        CKestaLogFollower(logAt(m_strFile), output).run();
     if (m_bFollow)
-        CKestaLogFollower(followed(m_strFile), output).run();
+        followConfigured(output);
     if (has("FILE"))
     {
         CKestaInput input(m_strFile);
