@@ -138,7 +138,7 @@ std::string whatIsWrong(const std::string& strText, const CKestaExc& exc)
         if (const std::string strInstead = instead(strText); !strInstead.empty())
             return strInstead;
     }
-    return withoutEndBlanks(exc.GetErrorMessage()) + "; see 'kesta range --help'";
+    return std::string(withoutBlanks(exc.GetErrorMessage())) + "; see 'kesta range --help'";
 }
 
 }   // namespace

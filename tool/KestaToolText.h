@@ -11,7 +11,10 @@ std::string printable(std::string_view text);
 /// A text between single quotes.
 std::string inQuotes(std::string_view text);
 
-/// A text without the blanks that it ends with.
-std::string withoutEndBlanks(std::string strText);
+/// A text without the white space around it.
+std::string_view withoutBlanks(std::string_view text);
+
+/// The mark that some editors put at the start of a file.
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 #endif

@@ -1,0 +1,32 @@
+#ifndef KESTA_RANGE_LIST_H
+#define KESTA_RANGE_LIST_H
+
+#include "KestaAddressSet.h"
+
+#include <string>
+
+/// The ranges of arguments and of files. A text that is no range is reported on standard error, and
+/// the others are looked at all the same: so a user sees every one of them.
+class CKestaRangeList
+{
+public:
+    /// Adds a range. `strPlace` says where the text stands, such as "ranges.txt:3: ".
+    void add(const std::string& strText, const std::string& strPlace = "");
+
+    /// Adds the ranges of a file, one a line. "#" begins a comment, and blank lines don't count.
+    ///
+    /// Throws: `CKestaInputError` when the file can't be read.
+    void addFile(const std::string& strPath);
+
+    /// False when some text was no range.
+    bool isComplete() const { return m_bComplete; }
+
+    /// The addresses of all the ranges.
+    const CKestaAddressSet& addresses() const { return m_addresses; }
+
+private:
+    CKestaAddressSet m_addresses;
+    bool m_bComplete = true;
+};
+
+#endif
