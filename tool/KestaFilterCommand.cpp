@@ -151,7 +151,7 @@ int CFilterCommand::run(CKestaOutput& output)
         return iStatusError;
 
     CFilterSink sink(m_style, output);
-    CKestaFilterScanner scanner(ranges.addresses(), m_bInvert, m_bMapped, sink);
+    CKestaFilterScanner scanner(ranges.build(), m_bInvert, m_bMapped, sink);
     bool bFailed = false;
     for (const std::string& strPath : m_files)
     {

@@ -28,7 +28,7 @@ std::string_view between(const char* pByte, const char* pEnd)
 
 }   // namespace
 
-CKestaFilterScanner::CKestaFilterScanner(const CKestaAddressSet& set, bool bInvert, bool bMapped,
+CKestaFilterScanner::CKestaFilterScanner(const KestaIPRangeSet& set, bool bInvert, bool bMapped,
                                          CSink& sink)
     : m_set(set), m_bInvert(bInvert), m_bMapped(bMapped), m_sink(sink)
 {
@@ -111,7 +111,7 @@ void CKestaFilterScanner::scanLines(const char* pLine, const char* pEnd)
     while (pLine != pEnd)
     {
         const char* pStop = pLine;
-        const bool bSelected = isSelected(pLine, pEnd, &pStop);
+        const bool bSelected = judgeLine(pLine, pEnd, &pStop);
         if (bSelected != (pSelected != nullptr))
         {
             if (!bSelected)
@@ -135,55 +135,44 @@ void CKestaFilterScanner::beginLine(std::string_view bytes)
     }
     ++m_ullLine;
     m_bDecided = true;
-    m_bDecidedSelected = isSelectedSlowly(bytes.substr(0, ulLongestStart));
+    m_bDecidedSelected = judgeSlowly(bytes.substr(0, ulLongestStart));
     if (m_bDecidedSelected)
         m_sink.selected(m_ullLine, bytes);
 }
 
 // Looks at the address of a line. Tells how far it was looked at: nothing before is a newline.
-bool CKestaFilterScanner::isSelected(const char* pLine, const char* pLimit, const char** ppStop)
+bool CKestaFilterScanner::judgeLine(const char* pLine, const char* pLimit, const char** ppStop)
 {
     ++m_ullLine;
-    std::uint32_t uAddress;
-    if (const char* const pStop = scanIPv4(pLine, uAddress);
-        pStop != nullptr && endsAddress(*pStop))
+    CKestaAddressNumber address;
+    const char* const pAddressEnd = scanAddress(pLine, address);
+    if (pAddressEnd != nullptr && endsAddress(*pAddressEnd))
     {
-        *ppStop = pStop;
-        return countSelected(m_set.contains(uAddress));
-    }
-    CKestaIPv6Number address;
-    if (const char* const pStop = scanIPv6(pLine, address); pStop != nullptr && endsAddress(*pStop))
-    {
-        *ppStop = pStop;
-        return countSelected(contains(address));
+        *ppStop = pAddressEnd;
+        return isSelected(address);
     }
     *ppStop = findNewline(pLine, pLimit);
-    return isSelectedSlowly(between(pLine, *ppStop).substr(0, ulLongestStart));
+    return judgeSlowly(between(pLine, *ppStop).substr(0, ulLongestStart));
 }
 
 // Asks the library what the usual forms don't tell.
-bool CKestaFilterScanner::isSelectedSlowly(std::string_view line)
+bool CKestaFilterScanner::judgeSlowly(std::string_view line)
 {
     const auto itEnd = std::find_if(line.begin(), line.end(), &endsAddress);
     const std::string_view text = line.substr(0, static_cast<std::size_t>(itEnd - line.begin()));
     CKestaAddressNumber address;
     if (text.size() < ulLongestStart && readAddress(text, address))
-        return countSelected(address.bIPv6
-                                 ? contains(address.number)
-                                 : m_set.contains(static_cast<std::uint32_t>(address.number)));
+        return isSelected(address);
     m_sink.unreadable(m_ullLine, text);
     return false;
 }
 
-bool CKestaFilterScanner::contains(CKestaIPv6Number address) const
+bool CKestaFilterScanner::isSelected(const CKestaAddressNumber& address)
 {
-    if (m_bMapped && address >> 32 == 0xFFFF)
-        return m_set.contains(static_cast<std::uint32_t>(address));
-    return m_set.contains(address);
-}
-
-bool CKestaFilterScanner::countSelected(bool bInside)
-{
+    const bool bAsIPv4 = !address.bIPv6 || (m_bMapped && address.number >> 32 == 0xFFFF);
+    const bool bInside = bAsIPv4 ? m_set.isMember(KestaAddressNumber::toIPv4(
+                                       static_cast<KestaIPv4Number>(address.number)))
+                                 : m_set.isMember(KestaAddressNumber::toIPv6(address.number));
     const bool bSelected = bInside != m_bInvert;
     m_ullSelected += bSelected ? 1 : 0;
     return bSelected;

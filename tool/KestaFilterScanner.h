@@ -1,7 +1,8 @@
 #ifndef KESTA_FILTER_SCANNER_H
 #define KESTA_FILTER_SCANNER_H
 
-#include "KestaAddressSet.h"
+#include "KestaAddressText.h"
+#include "KestaIPRangeSet.h"
 
 #include <cstdint>
 #include <string>
@@ -36,8 +37,8 @@ public:
 
     /// Selects the lines whose address is in the set, or, inverted, those whose address is not. An
     /// IPv4-mapped address is an IPv6 address, or, mapped, the IPv4 address that it stands for.
-    /// REQUIRES: set and sink outlive the scanner.
-    CKestaFilterScanner(const CKestaAddressSet& set, bool bInvert, bool bMapped, CSink& sink);
+    /// REQUIRES: the set is built; set and sink outlive the scanner.
+    CKestaFilterScanner(const KestaIPRangeSet& set, bool bInvert, bool bMapped, CSink& sink);
 
     /// Looks at the next bytes of the file.
     void feed(std::string_view bytes);
@@ -54,12 +55,11 @@ private:
     const char* finishLine(const char* pByte, const char* pEnd);
     void scanLines(const char* pLine, const char* pEnd);
     void beginLine(std::string_view bytes);
-    bool isSelected(const char* pLine, const char* pLimit, const char** ppStop);
-    bool isSelectedSlowly(std::string_view line);
-    bool contains(CKestaIPv6Number address) const;
-    bool countSelected(bool bInside);
+    bool judgeLine(const char* pLine, const char* pLimit, const char** ppStop);
+    bool judgeSlowly(std::string_view line);
+    bool isSelected(const CKestaAddressNumber& address);
 
-    const CKestaAddressSet& m_set;
+    const KestaIPRangeSet& m_set;
     const bool m_bInvert;
     const bool m_bMapped;
     CSink& m_sink;

@@ -11,7 +11,7 @@ void CKestaRangeList::add(const std::string& strText, const std::string& strPlac
 {
     try
     {
-        m_addresses.add(*readRange(strText, strPlace));
+        m_ranges.add(*readRange(strText, strPlace));
     }
     catch (const CKestaToolError& error)
     {
@@ -38,4 +38,10 @@ void CKestaRangeList::addFile(const std::string& strPath)
             add(std::string(range), input.name() + ":" + std::to_string(ulLine) + ": ");
         rest.remove_prefix(std::min(line.size() + 1, rest.size()));
     }
+}
+
+const KestaIPRangeSet& CKestaRangeList::build()
+{
+    m_ranges.build();
+    return m_ranges;
 }

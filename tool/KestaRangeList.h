@@ -1,7 +1,7 @@
 #ifndef KESTA_RANGE_LIST_H
 #define KESTA_RANGE_LIST_H
 
-#include "KestaAddressSet.h"
+#include "KestaIPRangeSet.h"
 
 #include <string>
 
@@ -21,11 +21,11 @@ public:
     /// False when some text was no range.
     bool isComplete() const { return m_bComplete; }
 
-    /// The addresses of all the ranges.
-    const CKestaAddressSet& addresses() const { return m_addresses; }
+    /// All ranges, ready to be asked.
+    const KestaIPRangeSet& build();
 
 private:
-    CKestaAddressSet m_addresses;
+    KestaIPRangeSet m_ranges;
     bool m_bComplete = true;
 };
 
