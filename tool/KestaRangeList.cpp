@@ -5,8 +5,6 @@
 #include "KestaToolError.h"
 #include "KestaToolText.h"
 
-#include <algorithm>
-
 void CKestaRangeList::add(const std::string& strText, const std::string& strPlace)
 {
     try
@@ -23,21 +21,29 @@ void CKestaRangeList::add(const std::string& strText, const std::string& strPlac
 void CKestaRangeList::addFile(const std::string& strPath)
 {
     CKestaInput input(strPath);
-    std::string strText;
-    for (std::string_view bytes = input.read(); !bytes.empty(); bytes = input.read())
-        strText += bytes;
-
-    std::string_view rest = strText;
-    if (rest.substr(0, byteOrderMark.size()) == byteOrderMark)
-        rest.remove_prefix(byteOrderMark.size());
-    for (std::size_t ulLine = 1; !rest.empty(); ++ulLine)
+    std::string strLine;
+    std::size_t ulLine = 0;
+    const auto addLine = [&]
     {
-        const std::string_view line = rest.substr(0, rest.find('\n'));
+        std::string_view line = strLine;
+        if (++ulLine == 1 && line.substr(0, byteOrderMark.size()) == byteOrderMark)
+            line.remove_prefix(byteOrderMark.size());
         const std::string_view range = withoutBlanks(line.substr(0, line.find('#')));
         if (!range.empty())
             add(std::string(range), input.name() + ":" + std::to_string(ulLine) + ": ");
-        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+        strLine.clear();
+    };
+    for (std::string_view bytes = input.read(); !bytes.empty(); bytes = input.read())
+    {
+        for (std::size_t ulNewline; (ulNewline = bytes.find('\n')) != std::string_view::npos;)
+        {
+            strLine += bytes.substr(0, ulNewline);
+            bytes.remove_prefix(ulNewline + 1);
+            addLine();
+        }
+        strLine += bytes;
     }
+    addLine();
 }
 
 const KestaIPRangeSet& CKestaRangeList::build()
