@@ -30,6 +30,7 @@ static const Row rows[] = {{"10.1.2.3 a", in}, {"10.1.255.255,", in}, {"10.2.0.1
     {"10.200.0.1 " + std::string(5000, 'z'), in}, {long4095 + " e", in},
     {long4096 + " f", unread, long4096}, {"2001:db8:0:0:0:0:0:1", in},
     {"10.1.2.3.", unread, "10.1.2.3."}, {"\xEF\xBB\xBF", unread, "\xEF\xBB\xBF"},
+    {std::string("10.1.2.3\0 x", 11), unread, std::string("10.1.2.3\0", 9)},
     {"1:2::3:10.1.2.3", out}, {"10.1.2.3", in}};
 
 /// Scans the rows, as pieces that end at the given places, and a second file.

@@ -124,19 +124,19 @@ CFilterCommand::CFilterCommand(CLI::App& root)
         ->allow_extra_args(false);
     m_app
         .add_option("-f,--file", m_rangeFiles,
-                    "Take ranges from a file, one a line; \"#\" begins a comment")
+                    "Read ranges from a file, one per line; \"#\" begins a comment")
         ->type_name("FILE")
         ->allow_extra_args(false);
     m_app.add_flag("-v,--invert-match", m_bInvert,
                    "Select the lines whose address lies in no range");
     m_app.add_flag("-c,--count", m_style.bCount,
-                   "Write the number of selected lines of each file only");
-    m_app.add_flag("-n,--line-number", m_style.bNumbers, "Write its number before each line");
+                   "Write only the number of selected lines per file");
+    m_app.add_flag("-n,--line-number", m_style.bNumbers, "Prefix each line with its line number");
     m_app.add_flag("-q,--quiet,--silent", m_style.bQuiet,
-                   "Write nothing; end at the first selected line");
-    m_app.add_flag("-H,--with-filename", m_style.bNames, "Write its file's name before each line");
-    m_app.add_flag("--no-filename", m_bNoNames, "Write no names, also for several files");
-    m_app.add_flag("--mapped", m_bMapped, "Take IPv4-mapped addresses for IPv4 addresses");
+                   "Write nothing; stop at the first selected line");
+    m_app.add_flag("-H,--with-filename", m_style.bNames, "Prefix each line with its file name");
+    m_app.add_flag("--no-filename", m_bNoNames, "Never prefix lines with file names");
+    m_app.add_flag("--mapped", m_bMapped, "Treat IPv4-mapped addresses as IPv4 addresses");
 }
 
 int CFilterCommand::run(CKestaOutput& output)
@@ -174,7 +174,7 @@ int CFilterCommand::run(CKestaOutput& output)
     return scanner.selectedLines() > 0 ? iStatusYes : iStatusNo;
 }
 
-// Tells the range from the files, as far as it takes knowledge of the options.
+// Whether the first argument is a range or a file depends on the options.
 void CFilterCommand::sortArguments()
 {
     if (!has("--range") && !has("--file"))
@@ -193,7 +193,7 @@ void CFilterCommand::sortArguments()
     };
     if (std::any_of(m_files.begin(), m_files.end(), isStandardInput) &&
         std::any_of(m_rangeFiles.begin(), m_rangeFiles.end(), isStandardInput))
-        throw CKestaToolError("standard input can't give both ranges and lines; name a FILE");
+        throw CKestaToolError("standard input can't provide both ranges and lines; name a FILE");
     m_style.bNames = (m_style.bNames || m_files.size() > 1) && !m_bNoNames;
 }
 

@@ -28,7 +28,7 @@ std::string endsOf(const CKestaAddressInterval& interval)
                : strFirst + " to " + textOf({interval.bIPv6, interval.last});
 }
 
-// What a user may not expect of an IPv4 text; empty when it is as it looks.
+// What an IPv4 text means, if that is not what it seems to.
 std::string explanation(const std::string& strText, const CKestaAddressInterval& interval)
 {
     if (interval.bIPv6)
@@ -102,8 +102,8 @@ std::string insteadOfPrefix(const std::string& strText)
     if (block.bIPv6 && block.first == address.number)
         return "";
     if (block.bIPv6)
-        return "a block is written with its first address; write " + blocksOf(block).front();
-    return "IPv4 ranges have no prefix length; write " + starForms(block);
+        return "the address must be the first of its block; write " + blocksOf(block).front();
+    return "IPv4 ranges take no prefix length; write " + starForms(block);
 }
 
 // What to write instead of ADDRESS-ADDRESS; empty for another text.
@@ -118,16 +118,17 @@ std::string insteadOfDash(const std::string& strText)
         return "";
     const CKestaAddressInterval interval{first.bIPv6, first.number, last.number};
     const std::vector<std::string> blocks = blocksOf(interval);
-    return "ranges have no dash; write " + (!interval.bIPv6      ? starForms(interval)
-                                            : blocks.size() == 1 ? blocks.front()
-                                                                 : "several ranges");
+    return "ranges can't be written with a dash; write " + (!interval.bIPv6 ? starForms(interval)
+                                                            : blocks.size() == 1
+                                                                ? blocks.front()
+                                                                : "several ranges");
 }
 
 std::string whatIsWrong(const std::string& strText, const CKestaExc& exc)
 {
     struct stat file;
     if (!strText.empty() && stat(strText.c_str(), &file) == 0)
-        return "this is a file; kesta filter takes RANGE before FILE, and -f FILE for a file of "
+        return "this is a file; kesta filter expects RANGE before FILE, or -f FILE for a file of "
                "ranges";
     for (const auto instead : {&insteadOfPrefix, &insteadOfDash})
     {

@@ -100,10 +100,7 @@ CRangeCommand::CRangeCommand(CLI::App& root)
             ->type_name("");
     m_app.add_option("--exclude", m_strExcluded, exclusionHelp())->type_name("CLASSES");
     CLI::Option* const pJson = m_app.add_flag("--json", m_bJson, "Write JSON");
-    m_app
-        .add_flag("--cidr", m_bCidr,
-                  "Print the CIDR blocks of the range only, one a line; test "
-                  "nothing")
+    m_app.add_flag("--cidr", m_bCidr, "Print only the CIDR blocks of the range, one per line")
         ->excludes(pArguments)
         ->excludes(pJson);
 }

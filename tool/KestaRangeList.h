@@ -5,20 +5,20 @@
 
 #include <string>
 
-/// The ranges of arguments and of files. A text that is no range is reported on standard error, and
-/// the others are looked at all the same: so a user sees every one of them.
+/// The ranges of arguments and of files. A text that is not a range is reported on standard error,
+/// and reading goes on, so that a user sees all of them.
 class CKestaRangeList
 {
 public:
     /// Adds a range. `strPlace` says where the text stands, such as "ranges.txt:3: ".
     void add(const std::string& strText, const std::string& strPlace = "");
 
-    /// Adds the ranges of a file, one a line. "#" begins a comment, and blank lines don't count.
+    /// Adds the ranges of a file, one per line. "#" begins a comment, and blank lines are skipped.
     ///
     /// Throws: `CKestaInputError` when the file can't be read.
     void addFile(const std::string& strPath);
 
-    /// False when some text was no range.
+    /// False when some text was not a range.
     bool isComplete() const { return m_bComplete; }
 
     /// All ranges, ready to be asked.

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-/// A text with everything that a terminal would obey, and every byte that is not of UTF-8, written
-/// as \x and two digits.
+/// A text with everything that a terminal would act on, and every byte that is not of UTF-8,
+/// written as \x and two digits.
 std::string printable(std::string_view text);
 
 /// A text between single quotes.
