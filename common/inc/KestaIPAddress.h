@@ -91,7 +91,7 @@ private:
         return const_cast<KestaIPAddress*>(pAddress);
     }
 
-    void takeOver(KestaIPAddress& other) noexcept;   // which keeps its socket address
+    KESTA_LOCAL void takeOver(KestaIPAddress& other) noexcept;   // which keeps its socket address
 };
 
 /// A value as the operators below take it, so that they yield to every operator of the host's own:

@@ -94,7 +94,7 @@ public:
 
 private:
     // An end of the range, held in place.
-    class KESTA_API CEnd
+    class KESTA_LOCAL CEnd
     {
     public:
         CEnd() = default;
@@ -104,8 +104,8 @@ private:
 
         KestaIPAddress* get() const { return m_pAddress; }
 
-        template <class TAddress, class... TArguments>
-        TAddress& make(TArguments&&... arguments);
+        template <class TAddress>
+        TAddress& make();
         void takeOver(CEnd& other, int iFamily) noexcept;
         void clear() noexcept;
 
@@ -114,14 +114,14 @@ private:
         alignas(KestaIPAddress) unsigned char m_place[sizeof(KestaIPAddress)];
     };
 
-    void build(CKestaString& strRange);
-    void buildIPv4(const CKestaString& strRange);
-    void buildIPv6Address(const CKestaString& strRange);
-    void buildIPv6Prefix(const CKestaString& strRange);
-    void buildIPv6Wildcard(const CKestaString& strRange);
-    void makeIPv6End(int iPrefixLength);
-    void traceEnds(const char* pszStart, const char* pszEnd) const;
-    void takeOver(KestaIPRange& other) noexcept;
+    KESTA_LOCAL void build(CKestaString& strRange);
+    KESTA_LOCAL void buildIPv4(const CKestaString& strRange);
+    KESTA_LOCAL void buildIPv6Address(const CKestaString& strRange);
+    KESTA_LOCAL void buildIPv6Prefix(const CKestaString& strRange);
+    KESTA_LOCAL void buildIPv6Wildcard(const CKestaString& strRange);
+    KESTA_LOCAL void makeIPv6End(int iPrefixLength);
+    KESTA_LOCAL void traceEnds(const char* pszStart, const char* pszEnd) const;
+    KESTA_LOCAL void takeOver(KestaIPRange& other) noexcept;
     bool isMemberByOperators(const KestaIPAddress* address) const;
     bool isMemberByOperators(const KestaIPRange& other) const;
 

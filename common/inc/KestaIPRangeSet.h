@@ -66,9 +66,9 @@ public:
     bool isEmpty() const { return size() == 0; }
 
 private:
-    struct CIndexes;
+    struct KESTA_LOCAL CIndexes;
 
-    const CIndexes& built() const;
+    KESTA_LOCAL const CIndexes& built() const;
 
     std::unique_ptr<CIndexes> m_pIndexes;
 };

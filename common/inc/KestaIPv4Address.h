@@ -67,12 +67,13 @@ public:
 private:
     friend class KestaIPRange;
 
-    KestaIPv4Address();   // an empty text, and an address that is yet to be set
+    KESTA_LOCAL KestaIPv4Address();   // to be read
 
-    // Reads the pattern, the given text in place of every star.
-    KestaIPv4Address(const CKestaString& strPattern, std::string_view star);
-
-    void read();
+    // Each reads a text; the second, a pattern of so many stars with a text in place of each.
+    KESTA_LOCAL void read(std::string_view address);
+    KESTA_LOCAL void read(const CKestaString& strPattern, std::size_t ulStars,
+                          std::string_view star);
+    KESTA_LOCAL void read();
 };
 
 /// True when two addresses have the same bytes.

@@ -58,16 +58,14 @@ private:
     friend class KestaIPRange;
     friend class KestaIPUtilities;
 
-    KestaIPv6Address();   // an empty text, and an address that is yet to be set
+    KESTA_LOCAL KestaIPv6Address();   // to be read, or set
 
-    // Reads a piece of a text.
-    KestaIPv6Address(const char* pText, std::size_t ulLength);
+    KESTA_LOCAL void read(std::string_view address);
+    KESTA_LOCAL void read();
 
     // Becomes the last address of the block that an address begins, as the two prefix operations
     // trace it.
-    void setBlockEnd(const in6_addr& start, int iPrefixLength);
-
-    void read();
+    KESTA_LOCAL void setBlockEnd(const in6_addr& start, int iPrefixLength);
 };
 
 /// True when two addresses have the same bytes.

@@ -7,8 +7,6 @@
 #include <string>
 #include <string_view>
 
-struct stat;
-
 /// A file that is written a line at a time: the bytes under the trace log.
 ///
 /// A line is one write of the system, without a buffer between: what was written is in the file
@@ -66,7 +64,7 @@ private:
     bool encipher(std::string& strLine);
     bool write(const std::string& strBytes);
     bool endsWith(std::string_view lineEnd) const;
-    bool isRolledOver(const struct stat& found, const CKestaString& strNewPath) const;
+    bool isRolledOver(const CKestaString& strPath, const CKestaString& strNewPath) const;
 
     int m_iFile = -1;   // none
     bool m_bEnciphered = false;

@@ -99,17 +99,24 @@ char* writeParts(char* pszEnd, KestaIPv4Number number)
     return writePart(pszEnd, number & 0xFF);
 }
 
-char* writeGroup(char* pszEnd, unsigned int uGroup)
+constexpr std::array<std::uint16_t, 256> hexPairs()
 {
     constexpr char szDigits[] = "0123456789abcdef";
-    if (uGroup > 0xFFF)
-        *pszEnd++ = szDigits[uGroup >> 12];
-    if (uGroup > 0xFF)
-        *pszEnd++ = szDigits[uGroup >> 8 & 0xF];
-    if (uGroup > 0xF)
-        *pszEnd++ = szDigits[uGroup >> 4 & 0xF];
-    *pszEnd++ = szDigits[uGroup & 0xF];
-    return pszEnd;
+    std::array<std::uint16_t, 256> pairs{};
+    for (unsigned int u = 0; u < pairs.size(); ++u)
+        pairs[u] = static_cast<std::uint16_t>(szDigits[u >> 4] | szDigits[u & 0xF] << 8);
+    return pairs;
+}
+
+// Writes a group without leading zeros. REQUIRES: there is room for four digits.
+char* writeGroup(char* pszEnd, unsigned int uGroup)
+{
+    static constexpr std::array<std::uint16_t, 256> pairs = hexPairs();   // first digit lowest
+    const std::uint32_t uDigits = std::uint32_t{pairs[uGroup & 0xFF]} << 16 | pairs[uGroup >> 8];
+    const int iZeros = (uGroup < 0x1000) + (uGroup < 0x100) + (uGroup < 0x10);
+    const std::uint32_t uWritten = htole32(uDigits >> 8 * iZeros);
+    std::memcpy(pszEnd, &uWritten, sizeof uWritten);
+    return pszEnd + 4 - iZeros;
 }
 
 }   // namespace
@@ -191,16 +198,20 @@ bool CKestaAddressCodec::readIPv6(const char* pszText, in6_addr& address)
                         [&](const char* psz) { return inet_pton(AF_INET6, psz, &address) == 1; });
 }
 
-void CKestaAddressCodec::writeIPv4(KestaIPv4Number number, char (&szText)[INET_ADDRSTRLEN])
+char* CKestaAddressCodec::writeIPv4(KestaIPv4Number number, char (&szText)[INET_ADDRSTRLEN])
 {
-    *writeParts(szText, number) = '\0';
+    char* const pszEnd = writeParts(szText, number);
+    *pszEnd = '\0';
+    return pszEnd;
 }
 
-void CKestaAddressCodec::writeIPv6(KestaIPv6Number number, char (&szText)[INET6_ADDRSTRLEN])
+char* CKestaAddressCodec::writeIPv6(KestaIPv6Number number, char (&szText)[INET6_ADDRSTRLEN])
 {
     unsigned int groups[iGroups];
-    for (int i = iGroups; i-- > 0; number >>= 16)
-        groups[i] = static_cast<unsigned int>(number) & 0xFFFF;
+    const std::uint64_t halves[] = {static_cast<std::uint64_t>(number >> 64),
+                                    static_cast<std::uint64_t>(number)};
+    for (int i = 0; i < iGroups; ++i)
+        groups[i] = static_cast<unsigned int>(halves[i / 4] >> 16 * (3 - i % 4) & 0xFFFF);
 
     // The first of the longest runs of zeros gives way to "::", if it is longer than one group.
     int iZeros = iGroups;
@@ -242,4 +253,5 @@ void CKestaAddressCodec::writeIPv6(KestaIPv6Number number, char (&szText)[INET6_
         pszEnd = writeParts(pszEnd, groups[6] << 16 | groups[7]);
     }
     *pszEnd = '\0';
+    return pszEnd;
 }

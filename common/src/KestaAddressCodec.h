@@ -24,11 +24,11 @@ public:
     /// Reads a whole text, up to its first "%", as `inet_pton` does.
     static bool readIPv6(const char* pszText, in6_addr& address);
 
-    /// Writes four decimal parts, NUL-terminated.
-    static void writeIPv4(KestaIPv4Number number, char (&szText)[INET_ADDRSTRLEN]);
+    /// Writes four decimal parts, NUL-terminated; returns where the NUL stands.
+    static char* writeIPv4(KestaIPv4Number number, char (&szText)[INET_ADDRSTRLEN]);
 
-    /// Writes an address as `inet_ntop` does, NUL-terminated.
-    static void writeIPv6(KestaIPv6Number number, char (&szText)[INET6_ADDRSTRLEN]);
+    /// The same for IPv6, as `inet_ntop` writes it.
+    static char* writeIPv6(KestaIPv6Number number, char (&szText)[INET6_ADDRSTRLEN]);
 };
 
 #endif

@@ -1,6 +1,7 @@
 #ifndef KESTA_ADDRESS_DETAIL_H
 #define KESTA_ADDRESS_DETAIL_H
 
+#include "KestaAddressCodec.h"
 #include "KestaAddressNumber.h"
 #include "KestaDebug.h"
 #include "KestaException.h"
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <string>
 
 #include <netinet/in.h>
 
@@ -74,6 +76,15 @@ inline void traceFixedIPv6Text()
 {
     KESTA_DEBUG1("In KestaIPUtilities::convertIPv6StringToAddress()", iTraceLevel);
     KESTA_DEBUG1("Out KestaIPUtilities::convertIPv6StringToAddress()", iTraceLevel);
+}
+
+/// Replaces a text by an IPv6 address, traced as a conversion.
+inline void writeIPv6(KestaIPv6Number number, std::string& strText)
+{
+    KESTA_DEBUG1("In OKestaIPUtilities::convertIPv6AddressToString()", iTraceLevel);
+    char szText[INET6_ADDRSTRLEN];
+    strText.assign(szText, CKestaAddressCodec::writeIPv6(number, szText));
+    KESTA_DEBUG1("Out KestaIPUtilities::convertIPv6AddressToString() ", iTraceLevel);
 }
 
 /// The error that a message makes with the text that it names at its end.

@@ -1,10 +1,29 @@
 #include "KestaIPAddress.h"
 
-KestaIPAddress::KestaIPAddress() : m_binIPAddress{} {}
+#include <cstring>
 
-KestaIPAddress::KestaIPAddress(const CKestaString& strAddress)
-    : m_strIPAddress(strAddress), m_binIPAddress{}
+namespace
 {
+
+// In parts: g++ clears the whole by an instruction that takes a third of the time of an address.
+void clear(sockaddr_storage& address)
+{
+    char* const pBytes = reinterpret_cast<char*>(&address);
+    constexpr std::size_t ulPart = sizeof address / 4;
+    for (std::size_t ulOffset = 0; ulOffset < sizeof address; ulOffset += ulPart)
+        std::memset(pBytes + ulOffset, 0, ulPart);
+}
+
+}   // namespace
+
+KestaIPAddress::KestaIPAddress()
+{
+    clear(m_binIPAddress);
+}
+
+KestaIPAddress::KestaIPAddress(const CKestaString& strAddress) : m_strIPAddress(strAddress)
+{
+    clear(m_binIPAddress);
 }
 
 KestaIPAddress::~KestaIPAddress() = default;

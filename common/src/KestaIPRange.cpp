@@ -6,6 +6,7 @@
 #include "KestaIPv6Address.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <new>
 #include <utility>
@@ -22,25 +23,30 @@ constexpr char szNotAllowedTrace[] = "KestaIPRange::KestaIPRange(): This address
 constexpr char szNotAllowedAddressTrace[] =
     "KestaIPRange::KestaIPRange():This address as not allowed as per current IP filter settings!!!";
 
-/// The characters that tell the forms of a text apart, and whether it holds them.
-struct CMarkers
-{
-    explicit CMarkers(const CKestaString& strText)
-    {
-        for (const char c : strText)
-        {
-            bDot |= c == '.';
-            bColon |= c == ':';
-            bStar |= c == '*';
-            bSlash |= c == '/';
-        }
-    }
+// The characters that tell the forms of a text apart, each as a bit.
+constexpr unsigned char cDot = 1;
+constexpr unsigned char cColon = 2;
+constexpr unsigned char cStar = 4;
+constexpr unsigned char cSlash = 8;
 
-    bool bDot = false;
-    bool bColon = false;
-    bool bStar = false;
-    bool bSlash = false;
-};
+constexpr std::array<unsigned char, 256> markerTable()
+{
+    std::array<unsigned char, 256> table{};
+    table['.'] = cDot;
+    table[':'] = cColon;
+    table['*'] = cStar;
+    table['/'] = cSlash;
+    return table;
+}
+
+unsigned int markersOf(const CKestaString& strText)
+{
+    static constexpr std::array<unsigned char, 256> table = markerTable();
+    unsigned int uMarkers = 0;
+    for (const char c : strText)
+        uMarkers |= table[static_cast<unsigned char>(c)];
+    return uMarkers;
+}
 
 bool isUnallowedIPv4(const KestaIPAddress& address)
 {
@@ -71,11 +77,12 @@ CKestaString mappedIPv4Part(const CKestaString& strRange)
 
 }   // namespace
 
-template <class TAddress, class... TArguments>
-TAddress& KestaIPRange::CEnd::make(TArguments&&... arguments)
+// The address is made first, and read in its place: what is thrown meanwhile finds an end to clear.
+template <class TAddress>
+TAddress& KestaIPRange::CEnd::make()
 {
     static_assert(sizeof(TAddress) == sizeof m_place);
-    auto* const pAddress = new (m_place) TAddress(std::forward<TArguments>(arguments)...);
+    auto* const pAddress = new (m_place) TAddress;
     m_pAddress = pAddress;
     return *pAddress;
 }
@@ -138,18 +145,19 @@ void KestaIPRange::build(CKestaString& strRange)
         KESTA_DEBUG1("KestaIPRange::KestaIPRange()-IPAddres is an empty string", iTraceLevel);
         throw errorNaming("IPAddres is an empty string ", strRange);
     }
-    const CMarkers markers(strRange);
-    if (markers.bDot)
+    const unsigned int uMarkers = markersOf(strRange);
+    const bool bColon = (uMarkers & cColon) != 0;
+    if ((uMarkers & cDot) != 0)
     {
-        if (markers.bColon)
+        if (bColon)
             strRange = mappedIPv4Part(strRange);   // errors name this part alone from here on
         buildIPv4(strRange);
     }
-    else if (markers.bStar)
+    else if ((uMarkers & cStar) != 0)
         buildIPv6Wildcard(strRange);
-    else if (markers.bColon && markers.bSlash)
+    else if (bColon && (uMarkers & cSlash) != 0)
         buildIPv6Prefix(strRange);
-    else if (markers.bColon)
+    else if (bColon)
         buildIPv6Address(strRange);
     else
     {
@@ -161,15 +169,17 @@ void KestaIPRange::build(CKestaString& strRange)
 void KestaIPRange::buildIPv4(const CKestaString& strRange)
 {
     iFamilyType = KESTA_IPV4_FAMILY;
-    if (strRange.find('*') == npos)
+    const auto ulStars =
+        static_cast<std::size_t>(std::count(strRange.begin(), strRange.end(), '*'));
+    if (ulStars == 0)
     {
-        m_startAddress.make<KestaIPv4Address>(strRange);
-        m_endAddress.make<KestaIPv4Address>(strRange);
+        m_startAddress.make<KestaIPv4Address>().read(strRange);
+        m_endAddress.make<KestaIPv4Address>().read(strRange);
     }
     else
     {
-        m_startAddress.make<KestaIPv4Address>(strRange, "0");
-        m_endAddress.make<KestaIPv4Address>(strRange, "255");
+        m_startAddress.make<KestaIPv4Address>().read(strRange, ulStars, "0");
+        m_endAddress.make<KestaIPv4Address>().read(strRange, ulStars, "255");
         traceEnds("KestaIPRange::KestaIPRange()- m_startAddress:-",
                   "KestaIPRange::KestaIPRange()- m_endAddress:-");
     }
@@ -189,8 +199,8 @@ void KestaIPRange::buildIPv4(const CKestaString& strRange)
 void KestaIPRange::buildIPv6Address(const CKestaString& strRange)
 {
     iFamilyType = KESTA_IPV6_FAMILY;
-    m_startAddress.make<KestaIPv6Address>(strRange);
-    m_endAddress.make<KestaIPv6Address>(strRange);
+    m_startAddress.make<KestaIPv6Address>().read(strRange);
+    m_endAddress.make<KestaIPv6Address>().read(strRange);
 
     traceEnds("KestaIPRange::KestaIPRange()-Before the filter check startAddress: ",
               "KestaIPRange::KestaIPRange()-Before the filter check endAddress: ");
@@ -213,7 +223,7 @@ void KestaIPRange::buildIPv6Prefix(const CKestaString& strRange)
         throw errorNaming("Not a Valid prefix for IPv6 Address ", strRange);
     }
 
-    m_startAddress.make<KestaIPv6Address>(strRange.c_str(), ulSlash);
+    m_startAddress.make<KestaIPv6Address>().read(std::string_view(strRange).substr(0, ulSlash));
     sockaddr_in6 scratch = *asIPv6(m_startAddress.get()->viewSockAddress());   // will be changed
     if (!KestaIPUtilities::ValidateIPv6StartAddress(&scratch, iPrefixLength))
     {
@@ -265,7 +275,7 @@ void KestaIPRange::buildIPv6Wildcard(const CKestaString& strRange)
     else if (!bAll)
         lPrefixLength = 16 * lGroups;
 
-    m_startAddress.make<KestaIPv6Address>(strStart);
+    m_startAddress.make<KestaIPv6Address>().read(strStart);
     makeIPv6End(static_cast<int>(lPrefixLength));
     traceEnds("KestaIPRange::KestaIPRange()- m_startAddress:-",
               "KestaIPRange::KestaIPRange()- m_endAddress:-");

@@ -137,13 +137,6 @@ std::string_view withoutScope(const CKestaString& text)
     return std::string_view(text.c_str(), std::strcspn(text.c_str(), "%"));
 }
 
-/// The same as `text = pszText`, which would allocate a text in between.
-void renew(CKestaString& text, const char* pszText)
-{
-    text = CKestaString();
-    text += pszText;
-}
-
 }   // namespace
 
 int KestaIPUtilities::StartWSA()
@@ -281,7 +274,7 @@ int KestaIPUtilities::convertIPv4AddressToString(const sockaddr_in* sa, CKestaSt
     KESTA_DEBUG1("In KestaIPUtilities::convertIPv4AddressToString()", iTraceLevel);
     char szAddress[INET_ADDRSTRLEN];
     CKestaAddressCodec::writeIPv4(KestaAddressNumber::of(sa->sin_addr), szAddress);
-    renew(text, szAddress);
+    text = szAddress;
     KESTA_DEBUG1("Out KestaIPUtilities::convertIPv4AddressToString()", iTraceLevel);
     return iSuccess;
 }
@@ -303,11 +296,8 @@ int KestaIPUtilities::convertIPv6StringToAddress(const CKestaString& text, socka
 
 int KestaIPUtilities::convertIPv6AddressToString(const sockaddr_in6* sa, CKestaString& text)
 {
-    KESTA_DEBUG1("In OKestaIPUtilities::convertIPv6AddressToString()", iTraceLevel);
-    char szAddress[INET6_ADDRSTRLEN];
-    CKestaAddressCodec::writeIPv6(KestaAddressNumber::of(sa->sin6_addr), szAddress);
-    renew(text, szAddress);
-    KESTA_DEBUG1("Out KestaIPUtilities::convertIPv6AddressToString() ", iTraceLevel);
+    text = CKestaString();   // its tokeniser starts afresh
+    writeIPv6(KestaAddressNumber::of(sa->sin6_addr), text);
     return iSuccess;
 }
 

@@ -16,14 +16,24 @@ KestaIPv4Address::KestaIPv4Address(const CKestaString& strAddress) : KestaIPAddr
     read();
 }
 
-KestaIPv4Address::KestaIPv4Address(const CKestaString& strPattern, std::string_view star)
+void KestaIPv4Address::read(std::string_view address)
 {
+    m_strIPAddress.assign(address);
+    read();
+}
+
+void KestaIPv4Address::read(const CKestaString& strPattern, std::size_t ulStars,
+                            std::string_view star)
+{
+    m_strIPAddress.resize(strPattern.size() + ulStars * (star.size() - 1));
+    char* pEnd = m_strIPAddress.data();
     for (const char c : strPattern)
     {
-        if (c == '*')
-            m_strIPAddress += star;
+        if (c != '*')
+            *pEnd++ = c;
         else
-            m_strIPAddress += c;
+            for (const char cDigit : star)
+                *pEnd++ = cDigit;
     }
     read();
 }

@@ -48,9 +48,9 @@ KestaIPv6Address::KestaIPv6Address(const CKestaString& strAddress) : KestaIPAddr
     read();
 }
 
-KestaIPv6Address::KestaIPv6Address(const char* pText, std::size_t ulLength)
+void KestaIPv6Address::read(std::string_view address)
 {
-    m_strIPAddress.assign(pText, ulLength);
+    m_strIPAddress.assign(address);
     read();
 }
 
@@ -73,11 +73,10 @@ KestaIPv6Address::~KestaIPv6Address() = default;
 void KestaIPv6Address::setBlockEnd(const in6_addr& start, int iPrefixLength)
 {
     traceFixedIPv6Text();
-    sockaddr_in6* const sa = asIPv6(m_binIPAddress);
-    sa->sin6_family = AF_INET6;
-    sa->sin6_addr =
-        KestaAddressNumber::toIPv6(KestaAddressNumber::of(start) | hostBits(iPrefixLength));
-    KestaIPUtilities::convertIPv6AddressToString(sa, m_strIPAddress);
+    const KestaIPv6Number last = KestaAddressNumber::of(start) | hostBits(iPrefixLength);
+    asIPv6(m_binIPAddress)->sin6_family = AF_INET6;
+    asIPv6(m_binIPAddress)->sin6_addr = KestaAddressNumber::toIPv6(last);
+    writeIPv6(last, m_strIPAddress);
 }
 
 bool KestaIPv6Address::operator<=(KestaIPAddress* pAddress)

@@ -77,6 +77,12 @@ bool isSameFile(const struct stat& left, const struct stat& right)
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }
 
+bool isLarger(const CKestaString& strPath, long lLimit)
+{
+    struct stat status;
+    return stat(strPath.c_str(), &status) == 0 && status.st_size > lLimit;
+}
+
 bool hasFileSizeLimit()
 {
     struct rlimit limit;
@@ -148,25 +154,29 @@ void CKestaLineFile::close()
 void CKestaLineFile::rollOver(const CKestaString& strPath, const CKestaString& strNewPath,
                               long lLimit)
 {
-    // Never waits: who holds the lock is rolling this very file over.
-    const bool bOtherAtWork = flock(m_iFile, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-    struct stat found;
-    if (!bOtherAtWork && stat(strPath.c_str(), &found) == 0 && found.st_size > lLimit &&
-        !isRolledOver(found, strNewPath))
-        std::rename(strPath.c_str(), strNewPath.c_str());
-    flock(m_iFile, LOCK_UN);   // closing does not unlock it while a forked child has it open, too
+    const CKestaNoCancellation noCancellation;
+    // Looked at twice: the lock is seldom needed. It is not waited for, because who holds it is
+    // rolling this very file over.
+    if (isLarger(strPath, lLimit) &&
+        (flock(m_iFile, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK))
+    {
+        if (isLarger(strPath, lLimit) && !isRolledOver(strPath, strNewPath))
+            std::rename(strPath.c_str(), strNewPath.c_str());
+        flock(m_iFile, LOCK_UN);   // a forked child may have the file open, too, and keep the lock
+    }
     close();
 }
 
 // Another process may have been first: then the file at the path has not grown yet, and renaming it
 // would destroy the full log that this file has become. A file that somebody else has put there is
 // taken for the log.
-bool CKestaLineFile::isRolledOver(const struct stat& found, const CKestaString& strNewPath) const
+bool CKestaLineFile::isRolledOver(const CKestaString& strPath, const CKestaString& strNewPath) const
 {
     struct stat own;
+    struct stat found;
     struct stat old;
-    return fstat(m_iFile, &own) == 0 && !isSameFile(own, found) &&
-           stat(strNewPath.c_str(), &old) == 0 && isSameFile(own, old);
+    return fstat(m_iFile, &own) == 0 && stat(strPath.c_str(), &found) == 0 &&
+           !isSameFile(own, found) && stat(strNewPath.c_str(), &old) == 0 && isSameFile(own, old);
 }
 
 bool CKestaLineFile::writeLine(std::string strLine)
