@@ -20,7 +20,10 @@ public:
     /// True when the user asks for this command.
     bool isChosen() const;
 
-    /// Does it, within an entry into the library, and returns the exit status.
+    /// True when it runs within an entry into the library, as what the library traces must.
+    virtual bool isEntry() const { return true; }
+
+    /// Does it, and returns the exit status.
     ///
     /// Throws: `CKestaToolError` for what the user is to be told.
     virtual int run(CKestaOutput& output) = 0;

@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 namespace
@@ -195,15 +196,14 @@ private:
     std::string m_strHelp;
 };
 
-CKestaEntry beginEntry()
+int run(CKestaCommand& command, CKestaOutput& output)
 {
-    const CKestaOutputToError redirection;
-    return CKestaEntry();
-}
-
-int runInEntry(CKestaCommand& command, CKestaOutput& output)
-{
-    const CKestaEntry entry = beginEntry();
+    std::optional<CKestaEntry> entry;
+    if (command.isEntry())
+    {
+        const CKestaOutputToError redirection;
+        entry.emplace();
+    }
     try
     {
         const int iStatus = command.run(output);
@@ -232,7 +232,7 @@ int runKesta(int argc, char** argv)
         CKestaCommandLine commandLine;
         CKestaCommand* const pCommand = commandLine.parse(argc, argv, output);
         if (pCommand != nullptr)
-            return runInEntry(*pCommand, output);
+            return run(*pCommand, output);
         output.flush();
         return iStatusYes;
     }

@@ -43,10 +43,15 @@ void CKestaOutput::flush()
     m_strBuffer.clear();
 }
 
+bool CKestaOutput::isTerminal()
+{
+    return isatty(STDOUT_FILENO) == 1;
+}
+
 bool CKestaOutput::isColoured()
 {
     const char* const pszTerminal = std::getenv("TERM");
-    return isatty(STDOUT_FILENO) == 1 && !isSet("NO_COLOR") && pszTerminal != nullptr &&
+    return isTerminal() && !isSet("NO_COLOR") && pszTerminal != nullptr &&
            std::strcmp(pszTerminal, "dumb") != 0;
 }
 

@@ -37,13 +37,14 @@ std::size_t characterLength(std::string_view text)
 
 }   // namespace
 
-std::string printable(std::string_view text)
+std::string printable(std::string_view text, std::string_view kept)
 {
     constexpr char szDigits[] = "0123456789abcdef";
     std::string strResult;
     while (!text.empty())
     {
-        const std::size_t ulLength = characterLength(text);
+        const bool bKept = kept.find(text.front()) != std::string_view::npos;
+        const std::size_t ulLength = bKept ? 1 : characterLength(text);
         const unsigned char uByte = static_cast<unsigned char>(text.front());
         if (ulLength > 0)
             strResult += text.substr(0, ulLength);

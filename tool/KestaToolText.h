@@ -5,8 +5,8 @@
 #include <string_view>
 
 /// A text with everything that a terminal would act on, and every byte that is not of UTF-8,
-/// written as \x and two digits.
-std::string printable(std::string_view text);
+/// written as \x and two digits; except for the `kept` ones.
+std::string printable(std::string_view text, std::string_view kept = {});
 
 /// A text between single quotes.
 std::string inQuotes(std::string_view text);
