@@ -1,7 +1,6 @@
 #include "KestaAddressText.h"
 
 #include "KestaAddressCodec.h"
-#include "KestaIPv4Address.h"
 
 namespace
 {
@@ -19,28 +18,6 @@ const in6_addr& ipv6Of(const KestaIPAddress& address)
 bool isIPv6(const KestaIPAddress& address)
 {
     return address.viewSockAddress().ss_family == AF_INET6;
-}
-
-const char* classOf(const in_addr& address)
-{
-    return KestaIPv4Address::isIPv4AnyLocalAddress(address)    ? "unspecified"
-           : KestaIPv4Address::isIPv4LoopbackAddress(address)  ? "loopback"
-           : KestaIPv4Address::isIPv4MulticastAddress(address) ? "multicast"
-           : KestaIPv4Address::isIPv4LinkLocalAddress(address) ? "link-local"
-           : KestaIPv4Address::isIPv4SiteLocalAddress(address) ? "site-local"
-                                                               : "global";
-}
-
-const char* classOf(const in6_addr& address)
-{
-    return IN6_IS_ADDR_UNSPECIFIED(&address) ? "unspecified"
-           : IN6_IS_ADDR_LOOPBACK(&address)  ? "loopback"
-           : IN6_IS_ADDR_MULTICAST(&address) ? "multicast"
-           : IN6_IS_ADDR_LINKLOCAL(&address) ? "link-local"
-           : IN6_IS_ADDR_SITELOCAL(&address) ? "site-local"
-           : IN6_IS_ADDR_V4MAPPED(&address)  ? "IPv4-mapped"
-           : IN6_IS_ADDR_V4COMPAT(&address)  ? "IPv4-compatible"
-                                             : "global";
 }
 
 }   // namespace
@@ -74,25 +51,23 @@ CKestaAddressNumber numberOf(const KestaIPAddress& address)
     return {false, KestaAddressNumber::of(ipv4Of(address))};
 }
 
+std::string textOf(const CKestaAddressNumber& address)
+{
+    char szIPv4[INET_ADDRSTRLEN];
+    char szIPv6[INET6_ADDRSTRLEN];
+    if (address.bIPv6)
+        CKestaAddressCodec::writeIPv6(address.number, szIPv6);
+    else
+        CKestaAddressCodec::writeIPv4(static_cast<KestaIPv4Number>(address.number), szIPv4);
+    return address.bIPv6 ? szIPv6 : szIPv4;
+}
+
 std::string textOf(const KestaIPAddress& address)
 {
-    if (!isIPv6(address))
-    {
-        char szText[INET_ADDRSTRLEN];
-        CKestaAddressCodec::writeIPv4(KestaAddressNumber::of(ipv4Of(address)), szText);
-        return szText;
-    }
-    char szText[INET6_ADDRSTRLEN];
-    CKestaAddressCodec::writeIPv6(KestaAddressNumber::of(ipv6Of(address)), szText);
-    return szText;
+    return textOf(numberOf(address));
 }
 
 const char* familyOf(const KestaIPAddress& address)
 {
     return isIPv6(address) ? "IPv6" : "IPv4";
-}
-
-const char* classOf(const KestaIPAddress& address)
-{
-    return isIPv6(address) ? classOf(ipv6Of(address)) : classOf(ipv4Of(address));
 }

@@ -26,14 +26,13 @@ bool readAddress(std::string_view text, CKestaAddressNumber& address);
 /// The number of an address value.
 CKestaAddressNumber numberOf(const KestaIPAddress& address);
 
-/// An address value in its usual form, whichever text it was made from.
+/// An address in its usual form.
+std::string textOf(const CKestaAddressNumber& address);
+
+/// The same, whichever text the address value was made from.
 std::string textOf(const KestaIPAddress& address);
 
 /// "IPv4" or "IPv6".
 const char* familyOf(const KestaIPAddress& address);
-
-/// The class of an address: "unspecified", "loopback", "multicast", "link-local", "site-local",
-/// "IPv4-mapped", "IPv4-compatible" or "global".
-const char* classOf(const KestaIPAddress& address);
 
 #endif

@@ -1,5 +1,7 @@
 #include "KestaFilterScanner.h"
 
+#include "KestaToolText.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -26,13 +28,16 @@ std::string_view between(const char* pByte, const char* pEnd)
 
 }   // namespace
 
-CKestaFilterScanner::CKestaFilterScanner(const KestaIPRangeSet& set, bool bInvert, CSink& sink)
-    : m_set(set), m_bInvert(bInvert), m_sink(sink)
+CKestaFilterScanner::CKestaFilterScanner(const KestaIPRangeSet& set, bool bInvert, bool bMapped,
+                                         CSink& sink)
+    : m_set(set), m_bInvert(bInvert), m_bMapped(bMapped), m_sink(sink)
 {
 }
 
 void CKestaFilterScanner::feed(std::string_view bytes)
 {
+    if (m_ulMark < byteOrderMark.size())
+        bytes = skipMark(bytes);
     const char* pByte = bytes.data();
     const char* const pEnd = pByte + bytes.size();
     if (m_bDecided || !m_strBegun.empty())
@@ -52,9 +57,28 @@ void CKestaFilterScanner::feed(std::string_view bytes)
 
 void CKestaFilterScanner::finish()
 {
-    if (m_bDecided || !m_strBegun.empty())
+    const bool bMarkCutShort = m_ulMark % byteOrderMark.size() != 0;
+    if (m_bDecided || !m_strBegun.empty() || bMarkCutShort)
         feed("\n");
     m_ullLine = 0;
+    m_ulMark = 0;
+}
+
+// Leaves out the byte-order mark of a file, as far as it stands in these bytes.
+std::string_view CKestaFilterScanner::skipMark(std::string_view bytes)
+{
+    while (!bytes.empty() && m_ulMark < byteOrderMark.size())
+    {
+        if (bytes.front() != byteOrderMark[m_ulMark])
+        {
+            m_strBegun = byteOrderMark.substr(0, m_ulMark);   // it is of the first line after all
+            m_ulMark = byteOrderMark.size();
+            break;
+        }
+        ++m_ulMark;
+        bytes.remove_prefix(1);
+    }
+    return bytes;
 }
 
 // Looks at the line of which an earlier piece held the start. Returns where the next line starts.
@@ -74,7 +98,7 @@ const char* CKestaFilterScanner::finishLine(const char* pByte, const char* pEnd)
         return pRest;
     }
     if (m_bDecidedSelected)
-        m_sink.selected(between(pByte, pRest));
+        m_sink.selected(m_ullLine, between(pByte, pRest));
     m_bDecided = pNewline == nullptr;
     return pRest;
 }
@@ -83,6 +107,7 @@ const char* CKestaFilterScanner::finishLine(const char* pByte, const char* pEnd)
 void CKestaFilterScanner::scanLines(const char* pLine, const char* pEnd)
 {
     const char* pSelected = nullptr;   // where the lines start that are to go out together
+    std::uint64_t ullSelected = 0;
     while (pLine != pEnd)
     {
         const char* pStop = pLine;
@@ -90,13 +115,14 @@ void CKestaFilterScanner::scanLines(const char* pLine, const char* pEnd)
         if (bSelected != (pSelected != nullptr))
         {
             if (!bSelected)
-                m_sink.selected(between(pSelected, pLine));
+                m_sink.selected(ullSelected, between(pSelected, pLine));
             pSelected = bSelected ? pLine : nullptr;
+            ullSelected = m_ullLine;
         }
         pLine = *pStop == '\n' ? pStop + 1 : findNewline(pStop, pEnd) + 1;
     }
     if (pSelected != nullptr)
-        m_sink.selected(between(pSelected, pEnd));
+        m_sink.selected(ullSelected, between(pSelected, pEnd));
 }
 
 // Keeps the start of a line that goes on in the next piece, or looks at it, once it is long enough.
@@ -111,7 +137,7 @@ void CKestaFilterScanner::beginLine(std::string_view bytes)
     m_bDecided = true;
     m_bDecidedSelected = judgeSlowly(bytes.substr(0, ulLongestStart));
     if (m_bDecidedSelected)
-        m_sink.selected(bytes);
+        m_sink.selected(m_ullLine, bytes);
 }
 
 // Looks at the address of a line. Tells how far it was looked at: nothing before is a newline.
@@ -143,9 +169,10 @@ bool CKestaFilterScanner::judgeSlowly(std::string_view line)
 
 bool CKestaFilterScanner::isSelected(const CKestaAddressNumber& address)
 {
-    const bool bInside = address.bIPv6 ? m_set.isMember(KestaAddressNumber::toIPv6(address.number))
-                                       : m_set.isMember(KestaAddressNumber::toIPv4(
-                                             static_cast<KestaIPv4Number>(address.number)));
+    const bool bAsIPv4 = !address.bIPv6 || (m_bMapped && address.number >> 32 == 0xFFFF);
+    const bool bInside = bAsIPv4 ? m_set.isMember(KestaAddressNumber::toIPv4(
+                                       static_cast<KestaIPv4Number>(address.number)))
+                                 : m_set.isMember(KestaAddressNumber::toIPv6(address.number));
     const bool bSelected = bInside != m_bInvert;
     m_ullSelected += bSelected ? 1 : 0;
     return bSelected;
