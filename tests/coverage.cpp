@@ -1,5 +1,5 @@
-// Part of the library where coverage is counted: many tests look at a child that ends by _exit, which
-// would drop what the child has counted.
+// Part of the library where coverage is counted: many tests look at a child that ends by _exit,
+// which would drop what the child has counted.
 
 #include <sys/resource.h>
 #include <sys/syscall.h>
