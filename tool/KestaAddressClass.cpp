@@ -11,7 +11,7 @@ constexpr CKestaAddressInterval ipv4(std::uint32_t uAddress, int iPrefixLength)
 // Of the address only the first 32 bits are given.
 constexpr CKestaAddressInterval ipv6(std::uint32_t uStart, int iPrefixLength)
 {
-    return blockAt(true, CKestaIPv6Number{uStart} << 96, iPrefixLength);
+    return blockAt(true, KestaIPv6Number{uStart} << 96, iPrefixLength);
 }
 
 struct CClass

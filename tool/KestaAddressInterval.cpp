@@ -2,9 +2,6 @@
 
 #include <algorithm>
 
-#include <arpa/inet.h>
-#include <endian.h>
-
 CKestaAddressInterval intervalOf(const KestaIPRange& range)
 {
     const CKestaAddressNumber first = numberOf(*range.getStartAddress());
@@ -19,7 +16,7 @@ CKestaAddressInterval intervalOf(const KestaIPAddress& address)
 
 std::string sizeOf(const CKestaAddressInterval& interval)
 {
-    CKestaIPv6Number size = interval.last - interval.first + 1;
+    KestaIPv6Number size = interval.last - interval.first + 1;
     if (size == 0)
         return "340282366920938463463374607431768211456";   // 2^128, which the number can't hold
     std::string strDigits;
@@ -33,10 +30,10 @@ std::vector<std::string> blocksOf(const CKestaAddressInterval& interval)
 {
     const int iBits = interval.bIPv6 ? 128 : 32;
     std::vector<std::string> blocks;
-    for (CKestaIPv6Number first = interval.first;;)
+    for (KestaIPv6Number first = interval.first;;)
     {
         // The largest block that begins here and does not reach beyond the end.
-        CKestaIPv6Number rest = 0;
+        KestaIPv6Number rest = 0;
         int iPrefixLength = iBits;
         while (iPrefixLength > 0 && (first & (rest << 1 | 1)) == 0 &&
                (rest << 1 | 1) <= interval.last - first)
@@ -44,20 +41,9 @@ std::vector<std::string> blocksOf(const CKestaAddressInterval& interval)
             rest = rest << 1 | 1;
             --iPrefixLength;
         }
-        blocks.push_back(textOf(interval.bIPv6, first) + "/" + std::to_string(iPrefixLength));
+        blocks.push_back(textOf({interval.bIPv6, first}) + "/" + std::to_string(iPrefixLength));
         if (rest == interval.last - first)
             return blocks;
         first += rest + 1;
     }
-}
-
-std::string textOf(bool bIPv6, CKestaIPv6Number address)
-{
-    char szText[INET6_ADDRSTRLEN];
-    const std::uint32_t uIPv4 = htobe32(static_cast<std::uint32_t>(address));
-    const std::uint64_t halves[] = {htobe64(static_cast<std::uint64_t>(address >> 64)),
-                                    htobe64(static_cast<std::uint64_t>(address))};
-    if (bIPv6)
-        return inet_ntop(AF_INET6, halves, szText, sizeof szText);
-    return inet_ntop(AF_INET, &uIPv4, szText, sizeof szText);
 }

@@ -11,16 +11,16 @@
 struct CKestaAddressInterval
 {
     bool bIPv6;
-    CKestaIPv6Number first;
-    CKestaIPv6Number last;
+    KestaIPv6Number first;
+    KestaIPv6Number last;
 };
 
 /// The block of all addresses whose first `iPrefixLength` bits are those of an address.
-constexpr CKestaAddressInterval blockAt(bool bIPv6, CKestaIPv6Number address, int iPrefixLength)
+constexpr CKestaAddressInterval blockAt(bool bIPv6, KestaIPv6Number address, int iPrefixLength)
 {
     const int iRestBits = (bIPv6 ? 128 : 32) - iPrefixLength;
-    const CKestaIPv6Number rest =
-        iRestBits == 128 ? ~CKestaIPv6Number{0} : (CKestaIPv6Number{1} << iRestBits) - 1;
+    const KestaIPv6Number rest =
+        iRestBits == 128 ? ~KestaIPv6Number{0} : (KestaIPv6Number{1} << iRestBits) - 1;
     return {bIPv6, address & ~rest, address | rest};
 }
 
@@ -36,8 +36,5 @@ std::string sizeOf(const CKestaAddressInterval& interval);
 /// The shortest list of blocks, such as 10.1.0.0/16, that together hold these addresses and no
 /// others, in ascending order.
 std::vector<std::string> blocksOf(const CKestaAddressInterval& interval);
-
-/// An address in its usual form.
-std::string textOf(bool bIPv6, CKestaIPv6Number address);
 
 #endif

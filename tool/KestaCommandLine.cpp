@@ -48,7 +48,7 @@ public:
         for (const auto make : {&makeRangeCommand, &makeHostCommand, &makeDateCommand,
                                 &makeLogCommand, &makeFilterCommand})
             m_commands.push_back(make(m_root));
-        m_pHelp = m_root.add_subcommand("help", "Show the help of a subcommand");
+        m_pHelp = m_root.add_subcommand("help", "Show help for a subcommand");
         m_pHelp->add_option("SUBCOMMAND", m_strHelp, "The subcommand; kesta itself when left out")
             ->type_name("");
     }
@@ -126,7 +126,8 @@ private:
         if (error.get_name() != "ArgumentMismatch")
             return strText;
         const bool bMissing = strText.find("missing") != std::string::npos;
-        return strText.substr(0, ulColon) + (bMissing ? ": value missing" : ": given twice");
+        return strText.substr(0, ulColon) +
+               (bMissing ? ": value missing" : ": given more than once");
     }
 
     std::string helpOf(const std::string& strName)
@@ -214,7 +215,7 @@ int run(CKestaCommand& command, CKestaOutput& output)
         output.flush();   // what could be read is worth showing
         throw;
     }
-    catch (const CKestaExc& exc)
+    catch (const CKestaExc& exc)   // which no subcommand lets through today
     {
         CKestaDebug::logMessage(exc);
         throw CKestaToolError(exc.GetErrorMessage());

@@ -5,8 +5,8 @@
 
 #include <memory>
 
-/// The subcommands, each in a source of its name. What makes one tells the command line what the
-/// subcommand takes.
+/// The subcommands, each in a source of its name. Making one declares its options and arguments to
+/// the command line.
 
 /// kesta range: asks whether addresses and ranges lie inside a range.
 std::unique_ptr<CKestaCommand> makeRangeCommand(CLI::App& root);

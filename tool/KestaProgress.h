@@ -6,7 +6,7 @@
 #include <chrono>
 
 /// Shows how much of a file has been read, once that takes more than a second. Only a terminal's
-/// standard error shows it, and only for files whose size is known; it goes when the object does.
+/// standard error shows it, and only for files whose size is known; it disappears with the object.
 class CKestaProgress
 {
 public:
@@ -17,10 +17,10 @@ public:
     CKestaProgress(const CKestaProgress&) = delete;
     CKestaProgress& operator=(const CKestaProgress&) = delete;
 
-    /// So many more bytes were read.
+    /// Counts bytes that were read.
     void advance(std::size_t ulBytes);
 
-    /// Clears what is shown; to be called before anything else is written to the terminal.
+    /// Clears what is shown; call it before anything else is written to the terminal.
     static void hide();
 
 private:

@@ -22,19 +22,19 @@ std::string withStarsZero(std::string strText)
 
 std::string endsOf(const CKestaAddressInterval& interval)
 {
-    const std::string strFirst = textOf(interval.bIPv6, interval.first);
+    const std::string strFirst = textOf({interval.bIPv6, interval.first});
     return interval.first == interval.last
                ? strFirst
-               : strFirst + " to " + textOf(interval.bIPv6, interval.last);
+               : strFirst + " to " + textOf({interval.bIPv6, interval.last});
 }
 
-// What a user may not expect of an IPv4 text; empty when it is as it looks.
+// What an IPv4 text means, if that is not what it seems to.
 std::string explanation(const std::string& strText, const CKestaAddressInterval& interval)
 {
     if (interval.bIPv6)
         return "";
     const std::string strIPv4 = strText.substr(strText.rfind(':') + 1);   // also when mapped
-    if (withStarsZero(strIPv4) != textOf(false, interval.first))
+    if (withStarsZero(strIPv4) != textOf({false, interval.first}))
     {
         const std::string strReading = "is read as " + endsOf(interval);
         const std::size_t ulLast = strIPv4.rfind(".*");
@@ -52,9 +52,9 @@ std::string explanation(const std::string& strText, const CKestaAddressInterval&
 }
 
 // An IPv4 text whose last numbers are stars.
-std::string starForm(CKestaIPv6Number address, int iStars)
+std::string starForm(KestaIPv6Number address, int iStars)
 {
-    std::string strText = textOf(false, address);
+    std::string strText = textOf({false, address});
     for (int i = 0; i < iStars; ++i)
         strText.erase(strText.rfind('.'));
     for (int i = 0; i < iStars; ++i)
@@ -69,7 +69,7 @@ std::string starForms(const CKestaAddressInterval& interval)
         return "several ranges, none of which may begin with 0.0.0.0";
     for (int iStars = 3; iStars >= 0; --iStars)
     {
-        const CKestaIPv6Number rest = (CKestaIPv6Number{1} << 8 * iStars) - 1;
+        const KestaIPv6Number rest = (KestaIPv6Number{1} << 8 * iStars) - 1;
         if ((interval.first & rest) != 0 || (interval.last & rest) != rest ||
             interval.first >> 8 >> 8 * iStars != interval.last >> 8 >> 8 * iStars)
             continue;
@@ -80,14 +80,10 @@ std::string starForms(const CKestaAddressInterval& interval)
     return "several ranges";
 }
 
-// Reads an address in its usual form, quietly.
-bool scanAddress(const std::string& strText, CKestaAddressNumber& address)
+// Reads a whole text as an address in its usual form.
+bool isAddress(const std::string& strText, CKestaAddressNumber& address)
 {
-    std::uint32_t uIPv4 = 0;
-    const char* const pIPv4End = scanIPv4(strText.c_str(), uIPv4);
-    address.bIPv6 = pIPv4End == nullptr;
-    address.number = uIPv4;
-    const char* const pEnd = address.bIPv6 ? scanIPv6(strText.c_str(), address.number) : pIPv4End;
+    const char* const pEnd = scanAddress(strText.c_str(), address);
     return pEnd != nullptr && *pEnd == '\0';
 }
 
@@ -96,7 +92,7 @@ std::string insteadOfPrefix(const std::string& strText)
 {
     const std::size_t ulSlash = strText.find('/');
     CKestaAddressNumber address;
-    if (ulSlash == std::string::npos || !scanAddress(strText.substr(0, ulSlash), address))
+    if (ulSlash == std::string::npos || !isAddress(strText.substr(0, ulSlash), address))
         return "";
     long lLength = 0;
     if (!scanNumber(strText.substr(ulSlash + 1), 0, address.bIPv6 ? 128 : 32, lLength))
@@ -106,8 +102,8 @@ std::string insteadOfPrefix(const std::string& strText)
     if (block.bIPv6 && block.first == address.number)
         return "";
     if (block.bIPv6)
-        return "a block is written with its first address; write " + blocksOf(block).front();
-    return "IPv4 ranges have no prefix length; write " + starForms(block);
+        return "the address must be the first of its block; write " + blocksOf(block).front();
+    return "IPv4 ranges take no prefix length; write " + starForms(block);
 }
 
 // What to write instead of ADDRESS-ADDRESS; empty for another text.
@@ -116,29 +112,30 @@ std::string insteadOfDash(const std::string& strText)
     const std::size_t ulDash = strText.find('-');
     CKestaAddressNumber first;
     CKestaAddressNumber last;
-    if (ulDash == std::string::npos || !scanAddress(strText.substr(0, ulDash), first) ||
-        !scanAddress(strText.substr(ulDash + 1), last) || first.bIPv6 != last.bIPv6 ||
+    if (ulDash == std::string::npos || !isAddress(strText.substr(0, ulDash), first) ||
+        !isAddress(strText.substr(ulDash + 1), last) || first.bIPv6 != last.bIPv6 ||
         first.number > last.number)
         return "";
     const CKestaAddressInterval interval{first.bIPv6, first.number, last.number};
     const std::vector<std::string> blocks = blocksOf(interval);
-    return "ranges have no dash; write " + (!interval.bIPv6      ? starForms(interval)
-                                            : blocks.size() == 1 ? blocks.front()
-                                                                 : "several ranges");
+    return "ranges can't be written with a dash; write " + (!interval.bIPv6 ? starForms(interval)
+                                                            : blocks.size() == 1
+                                                                ? blocks.front()
+                                                                : "several ranges");
 }
 
 std::string whatIsWrong(const std::string& strText, const CKestaExc& exc)
 {
     struct stat file;
     if (!strText.empty() && stat(strText.c_str(), &file) == 0)
-        return "this is a file; kesta filter takes RANGE before FILE, and -f FILE for a file of "
+        return "this is a file; kesta filter expects RANGE before FILE, or -f FILE for a file of "
                "ranges";
     for (const auto instead : {&insteadOfPrefix, &insteadOfDash})
     {
         if (const std::string strInstead = instead(strText); !strInstead.empty())
             return strInstead;
     }
-    return withoutEndBlanks(exc.GetErrorMessage()) + "; see 'kesta range --help'";
+    return std::string(withoutBlanks(exc.GetErrorMessage())) + "; see 'kesta range --help'";
 }
 
 }   // namespace

@@ -100,10 +100,7 @@ CRangeCommand::CRangeCommand(CLI::App& root)
             ->type_name("");
     m_app.add_option("--exclude", m_strExcluded, exclusionHelp())->type_name("CLASSES");
     CLI::Option* const pJson = m_app.add_flag("--json", m_bJson, "Write JSON");
-    m_app
-        .add_flag("--cidr", m_bCidr,
-                  "Print the CIDR blocks of the range only, one a line; test "
-                  "nothing")
+    m_app.add_flag("--cidr", m_bCidr, "Print only the CIDR blocks of the range, one per line")
         ->excludes(pArguments)
         ->excludes(pJson);
 }
@@ -148,8 +145,8 @@ void CRangeCommand::print(const KestaIPRange& range, const std::vector<CMember>&
         table.add(CKestaTable::EColour::plain, {pszWhat, strValue});
     };
     tell("family", familyOf(*range.getStartAddress()));
-    tell("start", textOf(interval.bIPv6, interval.first));
-    tell("end", textOf(interval.bIPv6, interval.last));
+    tell("start", textOf({interval.bIPv6, interval.first}));
+    tell("end", textOf({interval.bIPv6, interval.last}));
     tell("addresses", sizeOf(interval));
     tell("class", classOf(interval));
     for (const std::string& strBlock : blocksOf(interval))
@@ -175,8 +172,8 @@ void CRangeCommand::printAsJson(const KestaIPRange& range, const std::vector<CMe
         asked.push_back({{"text", member.strText}, {"inside", member.bInside}});
     printJson({{"range", m_strRange},
                {"family", familyOf(*range.getStartAddress())},
-               {"start", textOf(interval.bIPv6, interval.first)},
-               {"end", textOf(interval.bIPv6, interval.last)},
+               {"start", textOf({interval.bIPv6, interval.first})},
+               {"end", textOf({interval.bIPv6, interval.last})},
                {"addresses", sizeOf(interval)},   // a text: numbers end at 2^53 for many readers
                {"class", classOf(interval)},
                {"blocks", blocksOf(interval)},

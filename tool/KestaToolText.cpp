@@ -1,5 +1,7 @@
 #include "KestaToolText.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -58,8 +60,9 @@ std::string inQuotes(std::string_view text)
     return "'" + std::string(text) + "'";
 }
 
-std::string withoutEndBlanks(std::string strText)
+std::string_view withoutBlanks(std::string_view text)
 {
-    strText.erase(strText.find_last_not_of(' ') + 1);
-    return strText;
+    constexpr char szBlanks[] = " \t\r\n\v\f";
+    text.remove_prefix(std::min(text.find_first_not_of(szBlanks), text.size()));
+    return text.substr(0, text.find_last_not_of(szBlanks) + 1);
 }
