@@ -58,7 +58,7 @@ public:
     KestaIPRange(const KestaIPRange&) = delete;
     KestaIPRange& operator=(const KestaIPRange&) = delete;
 
-    /// Takes the ends of the other range over, which contains nothing afterwards. Pointers to its
+    /// Takes over the ends of the other range, which contains nothing afterwards. Pointers to its
     /// ends are no longer valid.
     KestaIPRange(KestaIPRange&& other) noexcept;
     /// The same; the addresses that this range had are gone.
@@ -74,8 +74,8 @@ public:
     /// compared: ask for like with like. False for a null pointer.
     bool isMember(const KestaIPAddress* address) const;
 
-    /// A text is no address: it would become a range, and the answer that of the symmetric question
-    /// above. Make an address value of it.
+    /// A text is no address: it would become a range, and be asked the symmetric question above.
+    /// Make an address value of it.
     template <class TText,
               std::enable_if_t<std::is_convertible_v<const TText&, std::string_view> &&
                                    !std::is_convertible_v<const TText&, const KestaIPAddress*> &&

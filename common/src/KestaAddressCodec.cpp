@@ -113,7 +113,7 @@ char* writeGroup(char* pszEnd, unsigned int uGroup)
 {
     static constexpr std::array<std::uint16_t, 256> pairs = hexPairs();   // first digit lowest
     const std::uint32_t uDigits = std::uint32_t{pairs[uGroup & 0xFF]} << 16 | pairs[uGroup >> 8];
-    const int iZeros = (uGroup < 0x1000) + (uGroup < 0x100) + (uGroup < 0x10);
+    const int iZeros = uGroup > 0xFFF ? 0 : uGroup > 0xFF ? 1 : uGroup > 0xF ? 2 : 3;
     const std::uint32_t uWritten = htole32(uDigits >> 8 * iZeros);
     std::memcpy(pszEnd, &uWritten, sizeof uWritten);
     return pszEnd + 4 - iZeros;
