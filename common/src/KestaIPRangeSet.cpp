@@ -128,6 +128,7 @@ void CIndex<TNumber>::cut()
     };
 
     std::vector<CInterval> intervals;
+    intervals.reserve(2 * m_added.size());   // one begins with each range, one after it
     const auto begin = [&](TNumber start, std::uint32_t uRange)
     {
         if (!intervals.empty() && intervals.back().start == start)
