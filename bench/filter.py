@@ -59,7 +59,7 @@ def content(path):
 def compare(directory, kesta, lines, family, ranges, prefixes, networks):
     path, ours, theirs = (os.path.join(directory, name) for name in ("lines", "ours", "theirs"))
     generate(path, networks, lines)
-    commands = {ours: [kesta, "filter", *ranges, "-f", path],
+    commands = {ours: [kesta, "filter", *(f"-e{text}" for text in ranges), path],
                 theirs: ["grepcidr", "-x", prefixes, path]}
     for output, command in commands.items():
         seconds(command, output)

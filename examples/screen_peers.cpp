@@ -1,14 +1,17 @@
-// A service that lets peers in by a list of ranges. Its socket takes IPv6 and IPv4 alike, so an
-// IPv4 peer shows up as an IPv4-mapped address; ranges are asked for addresses of their own family
-// only.
+// A service that lets peers in by a list of ranges, one a line, which it reads from a file. Its
+// socket takes IPv6 and IPv4 alike, so an IPv4 peer shows up as an IPv4-mapped address: it is asked
+// for as its IPv4 part, and every other address as what it is.
 
 #include "KestaException.h"
-#include "KestaIPRange.h"
+#include "KestaIPRangeSet.h"
 #include "KestaIPv4Address.h"
 #include "KestaIPv6Address.h"
 
-#include <deque>
+#include <cstring>
+#include <fstream>
 #include <iostream>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -16,45 +19,75 @@ namespace
 class Screen
 {
 public:
-    void allow(const char* range) { m_ranges.emplace_back(range); }
-
-    bool lets(const CKestaString& peer) const
+    explicit Screen(std::istream& list)
     {
-        if (peer.beginsWith("::ffff:"))
-            return isInAny(KestaIPRange::KESTA_IPV4_FAMILY, KestaIPv4Address(peer.substr(7)));
-        return isInAny(KestaIPRange::KESTA_IPV6_FAMILY, KestaIPv6Address(peer));
+        for (std::string line; std::getline(list, line);)
+            if (!line.empty() && line.front() != '#')
+                add(line);
+        m_ranges.build();
+    }
+
+    // The rule that lets a peer in; null when none does.
+    const std::string* ruleFor(const in6_addr& peer) const
+    {
+        const long index =
+            IN6_IS_ADDR_V4MAPPED(&peer) ? m_ranges.indexOf(ipv4Part(peer)) : m_ranges.indexOf(peer);
+        return index < 0 ? nullptr : &m_rules[static_cast<std::size_t>(index)];
     }
 
 private:
-    bool isInAny(int family, const KestaIPAddress& address) const
-    {
-        for (const KestaIPRange& range : m_ranges)
-            if (range.getAddressFamily() == family && range.isMember(&address))
-                return true;
-        return false;
-    }
-
-    std::deque<KestaIPRange> m_ranges;   // ranges can't be copied or moved
-};
-
-}   // namespace
-
-int main()
-{
-    KestaIPv4Address::m_bIPv4LinkLocal = true;   // a range of such addresses is refused
-    Screen screen;
-    for (const char* range : {"10.1.*.*", "192.0.2.7", "2001:db8:1*", "fe80::/10", "169.254.*.*"})
+    void add(const std::string& rule)
     {
         try
         {
-            screen.allow(range);
+            m_ranges.add(KestaIPRange(rule));
+            m_rules.push_back(rule);
         }
         catch (const CKestaExc& exc)
         {
             std::cout << "not a range to let in: " << exc.GetErrorMessage() << '\n';
         }
     }
-    for (const char* peer : {"::ffff:10.1.200.3", "::ffff:10.2.0.1", "::ffff:192.0.2.7",
-                             "2001:db8:1fff::1", "2001:db8:2000::1", "fe80::1"})
-        std::cout << (screen.lets(peer) ? "let in   " : "refused  ") << peer << '\n';
+
+    static in_addr ipv4Part(const in6_addr& peer)
+    {
+        in_addr result;
+        std::memcpy(&result, &peer.s6_addr[12], sizeof result);
+        return result;
+    }
+
+    KestaIPRangeSet m_ranges;
+    std::vector<std::string> m_rules;   // in the order of the ranges
+};
+
+// Stands for what accept() tells of a peer. A text that is no address throws.
+in6_addr peerOf(const std::string& text)
+{
+    const KestaIPv6Address address(text);
+    return reinterpret_cast<const sockaddr_in6&>(address.viewSockAddress()).sin6_addr;
+}
+
+}   // namespace
+
+int main(int argc, char** argv)
+{
+    std::ifstream list(argc > 1 ? argv[1] : "screen_peers.list");
+    KestaIPv4Address::m_bIPv4LinkLocal = true;   // a range of such addresses is refused
+    const Screen screen(list);
+    for (const char* peer : {"::ffff:10.1.200.3", "::ffff:a01:203", "::ffff:10.2.0.1", "::ffff:1",
+                             "2001:db8:1fff::1", "2001:db8:2000::1", "fe80::1", "no address"})
+    {
+        try
+        {
+            const std::string* rule = screen.ruleFor(peerOf(peer));
+            if (rule != nullptr)
+                std::cout << "let in   " << peer << " by " << *rule << '\n';
+            else
+                std::cout << "refused  " << peer << '\n';
+        }
+        catch (const CKestaExc& exc)
+        {
+            std::cout << "refused  " << peer << ": " << exc.GetErrorMessage() << '\n';
+        }
+    }
 }

@@ -1,6 +1,7 @@
 #include "KestaDebug.h"
 #include "KestaException.h"
 #include "KestaIPRange.h"
+#include "KestaIPRangeSet.h"
 #include "KestaIPUtilities.h"
 #include "fuzz.h"
 
@@ -145,12 +146,34 @@ void checkPrefix(const KestaIPRange& range, const std::string& bytes, int prefix
         CHECK(socket->sin6_addr.s6_addr[i] == static_cast<unsigned char>(bytes[i] ^ first[i]));
 }
 
+/// A set answers as its ranges do, and names the first; the null ones are left out.
+void checkSet(std::vector<const KestaIPRange*> ranges)
+{
+    ranges.erase(std::remove(ranges.begin(), ranges.end(), nullptr), ranges.end());
+    KestaIPRangeSet set;
+    for (const KestaIPRange* range : ranges)
+        set.add(*range);
+    set.build();
+    for (const KestaIPRange* asked : ranges)
+        for (const KestaIPAddress* address : {asked->getStartAddress(), asked->getEndAddress()})
+        {
+            const auto holds = [&](const KestaIPRange* range)
+            {
+                return range->getAddressFamily() == asked->getAddressFamily() &&
+                       range->isMember(address);
+            };
+            const auto first = std::find_if(ranges.begin(), ranges.end(), holds);
+            CHECK(set.indexOf(address) == first - ranges.begin());
+        }
+}
+
 void check(const std::string& text, const std::string& otherText, int prefix, int flags)
 {
     const Ends ends = expectedEnds(text, flags), others = expectedEnds(otherText, flags);
     const auto range = made(text, ends), other = made(otherText, others);
     if (range && range->getAddressFamily() == 6)
         checkPrefix(*range, ends.first, prefix);
+    checkSet({range.get(), other.get()});
     if (!range || !other)
         return;
     for (const KestaIPAddress* address : {other->getStartAddress(), other->getEndAddress()})

@@ -1,5 +1,13 @@
 #include "support.h"
 
+#include "KestaIPUtilities.h"
+
+#include <algorithm>
+#include <cstring>
+#include <unordered_set>
+
+#include <arpa/inet.h>
+
 using AddressTest = TraceFixture;
 
 TEST_F(AddressTest, TextsAndTheirTraces)
@@ -9,25 +17,168 @@ TEST_F(AddressTest, TextsAndTheirTraces)
     EXPECT_EQ(traced([] { KestaIPv4Address("x%y"); }), unread4("x%y"));
     EXPECT_EQ(traced([] { KestaIPv6Address("1.2.3.4"); }), unread6("1.2.3.4"));
     EXPECT_EQ(traced([] { KestaIPv6Address("::g%1"); }), unread6("::g%1"));
-    const KestaIPv4Address short4("10.1%eth0"), long4("10.0.0.1");
-    const KestaIPv6Address short6("FE80::1%2"), long6("fe80:0::0001");
-    EXPECT_TRUE(short4 == &long4 && short4.getStrAddress() == "10.1%eth0");
-    EXPECT_TRUE(short6 == &long6 && short6.getStrAddress() == "FE80::1%2");
+    std::ostringstream out;
+    out << KestaIPv4Address("10.1%eth0") << ' ' << KestaIPv6Address("FE80::1%2");
+    EXPECT_EQ(out.str(), "10.1%eth0 FE80::1%2");
+}
+
+/// What is read of a text, as bytes, and what is written for it; empty where it is no address.
+typedef std::tuple<std::string, std::string, std::string> Reading;
+
+template <class SocketAddress>
+static std::string bytesOf(const SocketAddress& address)
+{
+    return {reinterpret_cast<const char*>(&address), sizeof address};
+}
+
+static Reading readByLibrary(const std::string& text)
+{
+    sockaddr_in in = {};
+    sockaddr_in6 in6 = {};
+    CKestaString written4, written6;
+    const bool is4 = KestaIPUtilities::convertIPv4StringToAddress(text, &in) == 0;
+    const bool is6 = KestaIPUtilities::convertIPv6StringToAddress(text, &in6) == 0;
+    KestaIPUtilities::convertIPv4AddressToString(&in, written4);
+    KestaIPUtilities::convertIPv6AddressToString(&in6, written6);
+    return {is4 ? bytesOf(in) : "", is6 ? bytesOf(in6) : "", written4 + " " + written6};
+}
+
+static Reading readBySystem(const std::string& text)
+{
+    const std::string cut = text.substr(0, text.find('%'));
+    sockaddr_in in = {};
+    sockaddr_in6 in6 = {};
+    in.sin_family = AF_INET;
+    in6.sin6_family = AF_INET6;
+    const bool is4 = inet_aton(cut.c_str(), &in.sin_addr) != 0;
+    const bool is6 = inet_pton(AF_INET6, cut.c_str(), &in6.sin6_addr) == 1;
+    char written[2][INET6_ADDRSTRLEN];
+    inet_ntop(AF_INET, &in.sin_addr, written[0], sizeof written[0]);
+    inet_ntop(AF_INET6, &in6.sin6_addr, written[1], sizeof written[1]);
+    return {is4 ? bytesOf(in) : "", is6 ? bytesOf(in6) : "",
+        std::string(written[0]) + " " + written[1]};
+}
+
+// Texts of all forms, each with each of its characters taken out, or preceded by another.
+TEST_F(AddressTest, ReadsAndWritesAsTheSystemDoes)
+{
+    for (const std::string base : {"10.1.2.3", "255.100.0.9%e", "0x7f.1", "010.1",
+             "::", "1::", "::1", "1:0:2::3", "1::2:0:0:3:4", "::ffff:1.2.3.4", "::1.2.3.4",
+             "::2:102:304", "a:bc:def:1234:0:ffff:0:90", "1:2:3:4:5:6:7:0", "FE80::9aF%1"})
+        for (std::size_t at = 0; at <= base.size(); ++at)
+            for (const char c : std::string("=0159aFgG:.%-*/ x"))
+            {
+                std::string text = base;
+                if (c == '=')
+                    text.erase(at, 1);
+                else
+                    text.insert(at, 1, c);
+                EXPECT_EQ(readByLibrary(text), readBySystem(text)) << text;
+            }
 }
 
 TEST_F(AddressTest, Order)
 {
-    const KestaIPv4Address low4("9.255.255.255"), high4("200.0.0.1");
-    const KestaIPv6Address low6("7fff::9"), mid6("8000::1"), high6("8000::2");
-    EXPECT_TRUE(low4 <= &high4 && !(low4 >= &high4) && !(low4 == &high4));
-    EXPECT_TRUE(low6 <= &mid6 && !(low6 >= &mid6) && !(low6 == &mid6));
-    EXPECT_TRUE(high6 >= &mid6 && !(high6 <= &mid6) && !(high6 == &mid6));
-    EXPECT_EQ(low4.compareTwoIPv4Addresses(nullptr), 0);
-    EXPECT_EQ(low6.compareTwoIPv6Addresses(nullptr), 0);
-    EXPECT_EQ(traced([&] { return low4 == &low4 && low4 >= &low4 && low4 <= &low4; }),
+    // Each below the next.
+    const KestaIPv4Address in4[] = {{"9.255.255.255"}, {"10.0.0.0"}, {"10.0.1.0"}, {"200.0.0.1"}};
+    const KestaIPv6Address in6[] = {{"7fff::9"}, {"8000::2"}, {"8000::1:0"}, {"8000::100:0:0:1"}};
+    const auto sign = [](std::size_t i, std::size_t j) { return i < j ? -1 : i > j; };
+    const auto check = [&](const auto& row, auto compare)
+    {
+        for (std::size_t i = 0; i < std::size(row); ++i)
+            for (std::size_t j = 0; j < std::size(row); ++j)
+            {
+                const auto &left = row[i], &right = row[j];
+                const int want = sign(i, j);
+                EXPECT_EQ(std::tuple(left <= &right, left >= &right, left == &right, left < right,
+                              left == right, compare(left, right)),
+                    std::tuple(want <= 0, want >= 0, want == 0, want < 0, want == 0, want))
+                    << left << " and " << right;
+            }
+    };
+    const auto socket = [](const auto& address)
+    { return static_cast<const void*>(&address.viewSockAddress()); };
+    check(in4, [&](auto& left, auto& right)
+        { return left.compareTwoIPv4Addresses(static_cast<const sockaddr_in*>(socket(right))); });
+    check(in6, [&](auto& left, auto& right)
+        { return left.compareTwoIPv6Addresses(static_cast<const sockaddr_in6*>(socket(right))); });
+    EXPECT_EQ(in4[0].compareTwoIPv4Addresses(nullptr), 0);
+    EXPECT_EQ(in6[0].compareTwoIPv6Addresses(nullptr), 0);
+
+    const auto ask = [](const auto& a) { return a == &a && a >= &a && a <= &a && a == a; };
+    EXPECT_EQ(traced([&] { ask(in4[0]); }),
         operated("IPv4", "==()") + operated("IPv4", ">=()") + operated("IPv4", "<= ()"));
-    EXPECT_EQ(traced([&] { return mid6 == &mid6 && mid6 >= &mid6 && mid6 <= &mid6; }),
+    EXPECT_EQ(traced([&] { ask(in6[0]); }),
         operated("IPv6", "==()") + operated("IPv6", ">=()") + operated("IPv6", "<=()"));
+}
+
+TEST_F(AddressTest, Values)
+{
+    alignas(KestaIPv4Address) unsigned char dirty[sizeof(KestaIPv4Address)];
+    std::memset(dirty, 0x5A, sizeof dirty);
+    auto* address = new (dirty) KestaIPv4Address("10.1.2.3");
+    sockaddr_in want = {};
+    want.sin_family = AF_INET;
+    want.sin_addr.s_addr = htonl(0x0A010203);
+    sockaddr_storage got = address->getSockAddress();
+    EXPECT_EQ(std::memcmp(&got, &want, sizeof want), 0);
+    const char* bytes = reinterpret_cast<const char*>(&got);
+    EXPECT_EQ(std::count(bytes + sizeof want, bytes + sizeof got, '\0'), sizeof got - sizeof want);
+
+    address->setStrAddress("renamed");
+    EXPECT_EQ(*address, KestaIPv4Address("10.1.2.3"));
+    address->setSockAddress(socketOf("10.9.9.9"));
+    EXPECT_EQ(*address, KestaIPv4Address("10.9.9.9"));
+    EXPECT_EQ(address->getStrAddress(), "renamed");
+    address->~KestaIPv4Address();
+
+    const std::unordered_set<KestaIPv4Address> set4{{"10.1"}, {"10.0.0.1"}, {"10.0.0.2%e"}};
+    const std::unordered_set<KestaIPv6Address> set6{{"::1%e"}, {"0::1"}, {"1::1"}};
+    EXPECT_EQ(std::pair(set4.size(), set6.size()), std::pair(std::size_t(2), std::size_t(2)));
+}
+
+// Hosts derive address classes with plain operators, and bring operators of their own.
+template <class Base>
+struct Derived : Base
+{
+    using Base::Base;
+    bool operator<=(KestaIPAddress*) { return true; }
+    bool operator>=(KestaIPAddress*) { return false; }
+    bool operator==(KestaIPAddress*) { return true; }
+};
+
+struct Overriding : KestaIPv6Address
+{
+    using KestaIPv6Address::KestaIPv6Address;
+    bool operator<=(KestaIPAddress*) override { return true; }
+    bool operator>=(KestaIPAddress*) override { return false; }
+    bool operator==(KestaIPAddress*) override { return true; }
+};
+
+namespace host
+{
+
+std::string operator==(const KestaIPAddress&, const KestaIPv6Address&) { return "="; }
+std::string operator<(const KestaIPv6Address&, KestaIPv6Address) { return "<"; }
+std::string operator<<(std::ostream&, const KestaIPAddress&) { return "<<"; }
+
+std::string use(const KestaIPv6Address& address, std::ostream& out)
+{
+    return (address == address) + (address < address) + (out << address);
+}
+
+}   // namespace host
+
+TEST_F(AddressTest, HostsMayBringTheirOwn)
+{
+    const Derived<KestaIPAddress> own;
+    const Derived<KestaIPv4Address> own4("1.1.1.1");
+    const Overriding own6("::1");
+    const KestaIPAddress* const bases[] = {&own, &own4, &own6};
+    for (const KestaIPAddress* base : bases)
+        EXPECT_EQ(
+            std::tuple(*base <= base, *base >= base, *base == base), std::tuple(true, false, true));
+    EXPECT_EQ(host::use(KestaIPv6Address("::1"), std::cout), "=<<<");
 }
 
 TEST_F(AddressTest, ClassCheckUnderAllFlags)
@@ -51,5 +202,19 @@ TEST_F(AddressTest, ClassCheckUnderAllFlags)
                                  : KestaIPv4Address::CheckUnAllowedIPv4AddressTypes(
                                        static_cast<const sockaddr_in*>(sa));
             EXPECT_EQ(got, (classes & (flags | 8)) != 0) << text << " under " << flags;
+        }
+    typedef KestaIPv4Address A;
+    const auto classesOf = [](const char* text)
+    {
+        const in_addr a{inet_addr(text)};
+        return A::isIPv4LinkLocalAddress(a) | A::isIPv4SiteLocalAddress(a) << 1 |
+               A::isIPv4MulticastAddress(a) << 2 | A::isIPv4AnyLocalAddress(a) << 3;
+    };
+    for (const auto& [text, classes] : rows)
+        if (std::strchr(text, ':') == nullptr)
+        {
+            EXPECT_EQ(classesOf(text), classes) << text;
+            EXPECT_EQ(A::isIPv4LoopbackAddress({inet_addr(text)}), text[1] == '2' && text[2] == '7')
+                << text;
         }
 }

@@ -1,10 +1,14 @@
 #include "support.h"
 
 #include "KestaIPRange.h"
+#include "KestaIPRangeSet.h"
+#include "KestaIPUtilities.h"
 
+#include <algorithm>
 #include <atomic>
 #include <new>
 #include <set>
+#include <utility>
 
 static std::atomic<int> allocations{0};
 
@@ -83,12 +87,18 @@ TEST(Allocations, AreAsFewAsPromised)
     const KestaIPRange range("10.1.*.*"), inner("10.1.2.*"), block("2001:db8::/32"), all("*");
     const KestaIPv4Address in("10.1.2.3"), out("10.2.0.1");
     const KestaIPv6Address in6("2001:db8::1");
+    EXPECT_EQ(countOf([] { const KestaIPRange made("10.1.*.*"); }), 0);
+    EXPECT_EQ(countOf([] { const KestaIPRange made("2001:db8::/32"); }), 1);
     bool yes = true;
     EXPECT_EQ(countOf([&] { yes = range.isMember(&in) && !range.isMember(&out); }), 0);
     EXPECT_EQ(countOf([&] { yes = yes && block.isMember(&in6) && all.isMember(&in6); }), 0);
     EXPECT_EQ(countOf([&] { yes = yes && range.isMember(inner) && inner.isMember(range); }), 0);
     EXPECT_EQ(countOf([&] { yes = yes && block.isMember(all) && !range.isMember(all); }), 0);
     EXPECT_EQ(countOf([&] { yes = yes && in == &in && out >= &in && in6 <= &in6; }), 0);
+    KestaIPRangeSet set;
+    set.add(range);
+    set.build();
+    EXPECT_EQ(countOf([&] { yes = yes && set.indexOf(&in) == 0; }), 0);
     EXPECT_TRUE(yes);
 
     CKestaString trimmed(text), removed(text), token(text);
@@ -133,4 +143,63 @@ TEST_F(MemoryTest, MayFailAnywhere)
         KESTA_DEBUG1("still traced", 1);
     }
     EXPECT_EQ(messages().back(), "still traced");
+}
+
+TEST_F(MemoryTest, FailuresOfRangesAreErrorObjects)
+{
+    typedef std::set<std::string> Outcomes;
+    const auto rangeOf = [](const char* text)
+    { return [text] { const KestaIPRange range(text); }; };
+    const sockaddr_storage start = socketOf("2001:db8::");
+    KestaIPAddress* end = nullptr;
+    const auto makeEnd = [&]
+    {
+        const auto* sa = reinterpret_cast<const sockaddr_in6*>(&start);
+        KestaIPUtilities::InitialiseIPv6EndAddress(sa, &end, 32);
+        delete std::exchange(end, nullptr);
+    };
+    for (const bool lasting : {false, true})
+    {
+        SCOPED_TRACE(lasting);
+        EXPECT_EQ(outcomes(lasting, rangeOf("localhost")), Outcomes{"Unknown Error"});
+        EXPECT_EQ(outcomes(lasting, rangeOf("2001:db8::/32")),
+            Outcomes{lasting ? "Unknown Error" : "Unknown Exception"});
+        EXPECT_EQ(outcomes(lasting, makeEnd),   // whose message itself needs memory
+            Outcomes{lasting ? "bad_alloc" : "Unknown Exception"});
+        EXPECT_EQ(end, nullptr);
+    }
+    {
+        const CKestaEntry entry;
+        outcomes(false, rangeOf("localhost"));
+        outcomes(false, rangeOf("2001:db8::/32"));
+    }
+    const Lines lines = messages();
+    for (const char* line : {"KestaIPRange::KestaIPRange()-Unknown Error",
+             "KestaIPUtilities::InitialiseIPv6EndAddress()-Unknown Exception"})
+        EXPECT_NE(std::find(lines.begin(), lines.end(), line), lines.end()) << line;
+}
+
+TEST(RangeSet, IsBuiltAgainAfterAFailure)
+{
+    const KestaIPRange first("10.1.2.*"), second("10.1.*.*"), third("10.1.3.*");
+    const KestaIPv4Address in("10.1.3.4"), out("10.2.0.0");
+    const auto outcome = outcomes(false,
+        [&]
+        {
+            KestaIPRangeSet set;
+            for (const KestaIPRange* range : {&first, &second, &third})
+            {
+                set.add(*range);
+                try
+                {
+                    set.build();
+                }
+                catch (const std::bad_alloc&)
+                {
+                    set.build();
+                }
+            }
+            EXPECT_EQ(std::pair(set.indexOf(&in), set.indexOf(&out)), std::pair(1L, -1L));
+        });
+    EXPECT_EQ(outcome, (std::set<std::string>{"bad_alloc", "done"}));
 }

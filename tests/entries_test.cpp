@@ -169,6 +169,27 @@ TEST_F(EntriesTest, HostsMayHoldTheMutexThemselves)
     EXPECT_EQ(messages(), Lines{"waited"});
 }
 
+TEST_F(EntriesTest, MayBeHandedFromThreadToThread)
+{
+    std::promise<void> begun, ended;
+    initialize();
+    std::thread other(
+        [&]
+        {
+            unInitialize();
+            initialize();
+            begun.set_value();
+            ended.get_future().wait();
+        });
+    begun.get_future().wait();
+    KESTA_DEBUG1("in no entry", 1);
+    unInitialize();
+    EXPECT_TRUE(mutexIsFree());
+    ended.set_value();
+    other.join();
+    EXPECT_EQ(messages(), Lines{"in no entry"});
+}
+
 TEST_F(EntriesTest, EndWithAnException)
 {
     EXPECT_THROW(

@@ -2,7 +2,19 @@
 
 #include "KestaIPRange.h"
 
+#include <type_traits>
+#include <utility>
+
 using RangeTest = TraceFixture;
+
+// A text is no question for membership: it would become a range, and be asked the wrong way round.
+template <class What, class = decltype(KestaIPRange().isMember(std::declval<What>()))>
+static std::true_type canAsk(int);
+template <class What>
+static std::false_type canAsk(...);
+static_assert(decltype(canAsk<const KestaIPRange&>(0))() && decltype(canAsk<std::nullptr_t>(0))());
+static_assert(!decltype(canAsk<CKestaString>(0))() && !decltype(canAsk<const char (&)[2]>(0))());
+static_assert(!decltype(canAsk<const char*>(0))() && !decltype(canAsk<std::string>(0))());
 
 static const std::string filter =
     "This address as not allowed as per current IP filter settings!!!";
@@ -31,6 +43,8 @@ TEST_F(RangeTest, TracesOfTheForms)
                          screened("10.1.0.0", "10.1.255.255") + pass4 + pass4},
         {"::ffff:10.1", mapped + both4 + screened("10.1", "10.1") + pass4 + pass4},
         {"2001:DB8::1%e", both6 + screened("2001:DB8::1%e", "2001:DB8::1%e") + pass6},
+        {"2001:db8::/128",
+            startTested + startValid + endMade + screened("2001:db8::", "2001:db8::") + pass6},
         {"2001:a000::/20x", startTested + startValid + endMade +
                                 screened("2001:a000::", "2001:afff:ffff:ffff:" + f) + pass6},
         {"*", wildcard("0000::", f + ":" + f)},
@@ -54,7 +68,8 @@ TEST_F(RangeTest, RefusedTexts)
     const auto refused = [](const std::string& address, const std::string& text) {
         return fail4 + Lines{rangeName + ": " + filter + ":" + address, "! " + filter + text};
     };
-    const std::string name = "FH:" + rangeName, no = "Not a valid IP address",
+    const std::string f = "ffff:ffff:ffff:ffff", name = "FH:" + rangeName,
+                      no = "Not a valid IP address",
                       unmapped = "Not a valid IPv4MappedIPv6 address",
                       noStar = "Not a valid IPv6 Wild Card Address",
                       noPrefix = "Not a Valid prefix for IPv6 Address";
@@ -79,6 +94,8 @@ TEST_F(RangeTest, RefusedTexts)
         {"2001:db8::/-1", says(name + "-" + noPrefix, noPrefix + " 2001:db8::/-1")},
         {"2001:db8::1/32", startTested + says(name + "-Not a Valid Ipv6 Address",
                                              "Not a valid IPv6 address 2001:db8::1/32")},
+        {"::/0", startTested + startValid + endMade + screened("::", f + ":" + f) + fail6 +
+                     says(name + ": " + filter, filter)},
         {"fe80::/127", startTested + startValid + endMade + screened("fe80::", "fe80::1") + fail6 +
                            says(name + ": " + filter, filter)},
         {"2001:*:1", says(name + "-" + noStar, noStar + " 2001:*:1")},
@@ -92,11 +109,9 @@ TEST_F(RangeTest, RefusedTexts)
 
 TEST_F(RangeTest, MembershipIsTracedUpToTheDecision)
 {
-    const KestaIPRange range("10.1.*.*"), inner("10.1.2.*"), apart("10.2.*.*"), overlap("10.*.5.1"),
-        crossing("10.*.6.1"), six("2001:db8:1*"), upper("2001:db8:1800::/37"), none;
-    const KestaIPv4Address below("10.0.255.255"), first("10.1.0.0"), above("10.2.0.0");
-    const KestaIPv6Address last6("2001:db8:1fff:ffff:ffff:ffff:ffff:ffff"),
-        above6("2001:db8:2000::");
+    const KestaIPRange range("10.1.*.*"), inner("10.1.2.*"), apart("10.2.*.*"), six("2001:db8:1*"),
+        none;
+    const KestaIPv4Address below("10.0.255.255"), above("10.2.0.0");
     const Lines le = operated("IPv4", "<= ()"), ge = operated("IPv4", ">=()");
     const Lines address{"FH:In KestaIPRange::isMember()"};
     const Lines ranges{"FH:In KestaIPRange::isMember(KestaIPRange anIPRange)"};
@@ -106,12 +121,64 @@ TEST_F(RangeTest, MembershipIsTracedUpToTheDecision)
     EXPECT_EQ(traced([&] { EXPECT_TRUE(range.isMember(inner)); }), ranges + le + ge);
     EXPECT_EQ(traced([&] { EXPECT_TRUE(inner.isMember(range)); }), ranges + le + ge + le);
     EXPECT_EQ(traced([&] { EXPECT_FALSE(range.isMember(apart)); }), ranges + le + ge + ge);
-    EXPECT_TRUE(range.isMember(&first) && !range.isMember(&below) && !range.isMember(&above));
-    EXPECT_TRUE(six.isMember(&last6) && !six.isMember(&above6) && !range.isMember(six));
-    EXPECT_TRUE(six.isMember(upper) && upper.isMember(six) && !range.isMember(apart));
-    EXPECT_TRUE(!overlap.isMember(crossing) && !crossing.isMember(overlap)) << "merely overlap";
-    EXPECT_EQ(first.getStrAddress(), range.getStartAddress()->getStrAddress());
-    EXPECT_TRUE(range.getAddressFamily() == 4 && six.getAddressFamily() == 6);
-    EXPECT_TRUE(none.getAddressFamily() == 0 && none.getStartAddress() == nullptr);
-    EXPECT_FALSE(none.isMember(none));
+    EXPECT_EQ(traced([&] { EXPECT_FALSE(range.isMember(static_cast<KestaIPAddress*>(nullptr))); }),
+        address);
+    EXPECT_EQ(traced([&] { EXPECT_FALSE(none.isMember(none)); }), ranges);
+}
+
+TEST_F(RangeTest, Membership)
+{
+    const KestaIPRange range("10.1.*.*"), inner("10.1.2.*"), apart("10.2.*.*"), overlap("10.*.5.1"),
+        crossing("10.*.6.1"), six("2001:db8:1*"), upper("2001:db8:1800::/37"), none;
+    const KestaIPv4Address below("10.0.255.255"), first("10.1.0.0"), last("10.1.255.255"),
+        above("10.2.0.0");
+    const KestaIPv6Address below6("2001:db8:fff:ffff:ffff:ffff:ffff:ffff"),
+        first6("2001:db8:1000::"), last6("2001:db8:1fff:ffff:ffff:ffff:ffff:ffff"),
+        above6("2001:db8:2000::");
+    const std::tuple<const KestaIPRange*, const KestaIPAddress*, bool> addresses[] = {
+        {&range, &below, false}, {&range, &first, true}, {&range, &last, true},
+        {&range, &above, false}, {&range, nullptr, false}, {&six, &below6, false},
+        {&six, &first6, true}, {&six, &last6, true}, {&six, &above6, false}, {&six, nullptr, false},
+        {&none, &first, false}};
+    const std::tuple<const KestaIPRange*, const KestaIPRange*, bool> ranges[] = {
+        {&range, &range, true}, {&range, &inner, true}, {&range, &apart, false},
+        {&overlap, &crossing, false}, {&six, &upper, true}, {&range, &six, false},
+        {&range, &none, false}, {&none, &none, false}};
+    const auto ask = [&]
+    {
+        for (const auto& [asked, address, inside] : addresses)
+            EXPECT_EQ(asked->isMember(address), inside)
+                << *asked << " and " << (address != nullptr ? address->getStrAddress() : "null");
+        for (const auto& [asked, other, inside] : ranges)
+            EXPECT_EQ(std::pair(asked->isMember(*other), other->isMember(*asked)),
+                std::pair(inside, inside))
+                << *asked << ", " << *other;
+    };
+    ask();
+    EXPECT_GT(traced(ask).size(), 0u);
+}
+
+TEST_F(RangeTest, MoveTheirEnds)
+{
+    std::vector<KestaIPRange> ranges;
+    for (const char* text : {"10.1.*.*", "2001:db8::/32", "192.0.2.7"})
+        ranges.emplace_back(text);
+    ranges[2] = KestaIPRange("::ffff:10.3.*.*");
+    ranges[2] = std::move(ranges[2]);
+    std::ostringstream out;
+    out << ranges[0] << "; " << ranges[1] << "; " << ranges[2];
+    EXPECT_EQ(out.str(), "10.1.0.0 - 10.1.255.255; 2001:db8:: - "
+                         "2001:db8:ffff:ffff:ffff:ffff:ffff:ffff; 10.3.0.0 - 10.3.255.255");
+
+    const KestaIPRange taken(std::move(ranges[0]));
+    const KestaIPRange& left = ranges[0];
+    EXPECT_EQ(std::tuple(left.getAddressFamily(), left.getStartAddress(), left.getEndAddress()),
+        (std::tuple<int, KestaIPAddress*, KestaIPAddress*>(0, nullptr, nullptr)));
+    EXPECT_EQ(taken.getAddressFamily(), KestaIPRange::KESTA_IPV4_FAMILY);
+    EXPECT_EQ(ranges[1].getAddressFamily(), KestaIPRange::KESTA_IPV6_FAMILY);
+    const KestaIPv4Address in("10.1.2.3");
+    EXPECT_EQ(std::pair(taken.isMember(&in), left.isMember(&in)), std::pair(true, false));
+    out.str("");
+    out << left;
+    EXPECT_EQ(out.str(), "");
 }

@@ -25,7 +25,9 @@ extern "C" int getifaddrs(ifaddrs** result) noexcept
     return (errno = failing) ? -1 : 0;
 }
 
-extern "C" void freeifaddrs(ifaddrs*) noexcept {}
+static int freed = 0;
+
+extern "C" void freeifaddrs(ifaddrs* list) noexcept { freed += list == interfaces; }
 
 extern "C" int gethostname(char* name, size_t) noexcept
 {
@@ -40,6 +42,13 @@ extern "C" int uname(utsname* answer) noexcept
 }
 
 using Utilities = KestaIPUtilities;
+
+static std::string socketText(const sockaddr_in6& address)
+{
+    CKestaString text;
+    Utilities::convertIPv6AddressToString(&address, text);
+    return text;
+}
 
 // Stands first: what the host has set counts for the rest of the process.
 TEST(HostSetup, Parameters)
@@ -105,17 +114,18 @@ protected:
 
 TEST_F(UtilitiesTest, TypicalRequest)
 {
-    const Lines got = traced(
-        [&]
-        {
-            const KestaIPRange range("10.1.*.*");
-            Utilities::StartWSA();
-            Utilities::queryHostIP(nullptr, list6, list4);
-            Utilities::getfilteredIPv4Addresses(kept4, list4);
-            for (unsigned i = 0; i < kept4.size(); ++i)
-                EXPECT_EQ(range.isMember(&kept4.getAt(i)), i == 0);
-            Utilities::EndWSA();
-        });
+    const auto request = [&]
+    {
+        list4.removeAll(), list6.removeAll(), kept4.removeAll();
+        const KestaIPRange range("10.1.*.*");
+        Utilities::StartWSA();
+        Utilities::queryHostIP(nullptr, list6, list4);
+        Utilities::getfilteredIPv4Addresses(kept4, list4);
+        for (unsigned i = 0; i < kept4.size(); ++i)
+            EXPECT_EQ(range.isMember(&kept4.getAt(i)), i == 0);
+        Utilities::EndWSA();
+    };
+    const Lines got = traced(request);
     const Lines made = rangeIn + parsed4 + parsed4 + ends("10.1.0.0", "10.1.255.255") +
                        screened("10.1.0.0", "10.1.255.255") + pass4 + pass4 + rangeOut;
     const Lines queried = queryIn + added("IPv4", "127.0.0.1") + added("IPv6", "::1") +
@@ -136,6 +146,14 @@ TEST_F(UtilitiesTest, TypicalRequest)
     for (const std::string& line : got)
         bytes += (line.empty() ? "" : "[MSG]:") + line + "\n";
     EXPECT_EQ(log(), bytes);
+    const Lines whole = messages();
+    EXPECT_EQ(freed, 1);
+    for (const std::string level : {"2", "3"})
+    {
+        configure("DEBUGLEVEL=" + level);
+        traced(request);
+        EXPECT_EQ(messages(), level == "2" ? Lines{} : whole) << level;
+    }
 }
 
 TEST_F(UtilitiesTest, HostAndFilteredAddresses)
@@ -186,21 +204,34 @@ TEST_F(UtilitiesTest, NamesAndFailures)
     EXPECT_EQ(os, "Linux");
 }
 
-TEST_F(UtilitiesTest, IPv6IsWrittenAsTheSystemWritesIt)
+TEST_F(UtilitiesTest, Prefixes)
 {
-    for (const char* text : {"::", "::1", "1::", "1:0:2::3", "1::2:0:0:3:4", "::ffff:1.2.3.4",
-             "::1.2.3.4", "::2:102:304", "a:bc:def:1234:0:ffff:0:90", "1:2:3:4:5:6:7:0"})
+    const std::string f = "ffff:ffff:ffff:ffff:ffff:ffff", e = "2001:db8:ff80::1";
+    const struct
     {
-        const sockaddr_storage sa = socketOf(text);
-        CKestaString got;
-        Utilities::convertIPv6AddressToString(reinterpret_cast<const sockaddr_in6*>(&sa), got);
-        EXPECT_EQ(got, text);
+        std::string start;
+        int length;
+        std::string rest, end;   // of the start, and of the block
+    } rows[] = {{e, -1, e, "ffff:ffff:" + f}, {e, 0, e, "ffff:ffff:" + f},
+        {e, 32, "0:0:ff80::1", "2001:db8:" + f}, {e, 33, "0:0:7f80::1", "2001:db8:" + f},
+        {e, 42, "0:0:0:0:0:0:0:1", "2001:db8:ffbf:ffff:ffff:ffff:ffff:ffff"}, {e, 127, "::1", e},
+        {e, 128, "::", e}, {e, 129, "::", e}, {"::", 0, "::", "ffff:ffff:" + f}};
+    for (const auto& row : rows)
+    {
+        SCOPED_TRACE(row.start + " " + std::to_string(row.length));
+        sockaddr_storage storage = socketOf(row.start);
+        auto* sa = reinterpret_cast<sockaddr_in6*>(&storage);
+        KestaIPAddress* made = nullptr;
+        Utilities::InitialiseIPv6EndAddress(sa, &made, row.length);
+        const std::unique_ptr<KestaIPAddress> end(made);
+        EXPECT_EQ(end->getStrAddress(), row.end);
+        EXPECT_TRUE(KestaIPv6Address(row.end) == end.get());
+        const bool isStart = Utilities::ValidateIPv6StartAddress(sa, row.length);
+        EXPECT_EQ(isStart, socketText(*sa) == "::");
+        EXPECT_TRUE(KestaIPv6Address(row.rest) == KestaIPv6Address(socketText(*sa)));
     }
-}
-
-TEST_F(UtilitiesTest, NoStartAddress)
-{
     KestaIPAddress* end = nullptr;
     Utilities::InitialiseIPv6EndAddress(nullptr, &end, 0);
-    EXPECT_TRUE(end == nullptr && !Utilities::ValidateIPv6StartAddress(nullptr, 0));
+    EXPECT_EQ(end, nullptr);
+    EXPECT_FALSE(Utilities::ValidateIPv6StartAddress(nullptr, 0));
 }

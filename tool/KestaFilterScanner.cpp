@@ -1,5 +1,7 @@
 #include "KestaFilterScanner.h"
 
+#include "KestaToolText.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -26,13 +28,16 @@ std::string_view between(const char* pByte, const char* pEnd)
 
 }   // namespace
 
-CKestaFilterScanner::CKestaFilterScanner(const CKestaAddressSet& set, bool bInvert, CSink& sink)
-    : m_set(set), m_bInvert(bInvert), m_sink(sink)
+CKestaFilterScanner::CKestaFilterScanner(const KestaIPRangeSet& set, bool bInvert, bool bMapped,
+                                         CSink& sink)
+    : m_set(set), m_bInvert(bInvert), m_bMapped(bMapped), m_sink(sink)
 {
 }
 
 void CKestaFilterScanner::feed(std::string_view bytes)
 {
+    if (m_ulMark < byteOrderMark.size())
+        bytes = skipMark(bytes);
     const char* pByte = bytes.data();
     const char* const pEnd = pByte + bytes.size();
     if (m_bDecided || !m_strBegun.empty())
@@ -52,9 +57,28 @@ void CKestaFilterScanner::feed(std::string_view bytes)
 
 void CKestaFilterScanner::finish()
 {
-    if (m_bDecided || !m_strBegun.empty())
+    const bool bMarkCutShort = m_ulMark % byteOrderMark.size() != 0;
+    if (m_bDecided || !m_strBegun.empty() || bMarkCutShort)
         feed("\n");
     m_ullLine = 0;
+    m_ulMark = 0;
+}
+
+// Leaves out the byte-order mark of a file, as far as it stands in these bytes.
+std::string_view CKestaFilterScanner::skipMark(std::string_view bytes)
+{
+    while (!bytes.empty() && m_ulMark < byteOrderMark.size())
+    {
+        if (bytes.front() != byteOrderMark[m_ulMark])
+        {
+            m_strBegun = byteOrderMark.substr(0, m_ulMark);   // it is of the first line after all
+            m_ulMark = byteOrderMark.size();
+            break;
+        }
+        ++m_ulMark;
+        bytes.remove_prefix(1);
+    }
+    return bytes;
 }
 
 // Looks at the line of which an earlier piece held the start. Returns where the next line starts.
@@ -74,7 +98,7 @@ const char* CKestaFilterScanner::finishLine(const char* pByte, const char* pEnd)
         return pRest;
     }
     if (m_bDecidedSelected)
-        m_sink.selected(between(pByte, pRest));
+        m_sink.selected(m_ullLine, between(pByte, pRest));
     m_bDecided = pNewline == nullptr;
     return pRest;
 }
@@ -83,20 +107,22 @@ const char* CKestaFilterScanner::finishLine(const char* pByte, const char* pEnd)
 void CKestaFilterScanner::scanLines(const char* pLine, const char* pEnd)
 {
     const char* pSelected = nullptr;   // where the lines start that are to go out together
+    std::uint64_t ullSelected = 0;
     while (pLine != pEnd)
     {
         const char* pStop = pLine;
-        const bool bSelected = isSelected(pLine, pEnd, &pStop);
+        const bool bSelected = judgeLine(pLine, pEnd, &pStop);
         if (bSelected != (pSelected != nullptr))
         {
             if (!bSelected)
-                m_sink.selected(between(pSelected, pLine));
+                m_sink.selected(ullSelected, between(pSelected, pLine));
             pSelected = bSelected ? pLine : nullptr;
+            ullSelected = m_ullLine;
         }
         pLine = *pStop == '\n' ? pStop + 1 : findNewline(pStop, pEnd) + 1;
     }
     if (pSelected != nullptr)
-        m_sink.selected(between(pSelected, pEnd));
+        m_sink.selected(ullSelected, between(pSelected, pEnd));
 }
 
 // Keeps the start of a line that goes on in the next piece, or looks at it, once it is long enough.
@@ -109,46 +135,44 @@ void CKestaFilterScanner::beginLine(std::string_view bytes)
     }
     ++m_ullLine;
     m_bDecided = true;
-    m_bDecidedSelected = isSelectedSlowly(bytes.substr(0, ulLongestStart));
+    m_bDecidedSelected = judgeSlowly(bytes.substr(0, ulLongestStart));
     if (m_bDecidedSelected)
-        m_sink.selected(bytes);
+        m_sink.selected(m_ullLine, bytes);
 }
 
 // Looks at the address of a line. Tells how far it was looked at: nothing before is a newline.
-bool CKestaFilterScanner::isSelected(const char* pLine, const char* pLimit, const char** ppStop)
+bool CKestaFilterScanner::judgeLine(const char* pLine, const char* pLimit, const char** ppStop)
 {
     ++m_ullLine;
-    std::uint32_t uAddress;
-    if (const char* const pStop = scanIPv4(pLine, uAddress);
-        pStop != nullptr && endsAddress(*pStop))
+    CKestaAddressNumber address;
+    const char* const pAddressEnd = scanAddress(pLine, address);
+    if (pAddressEnd != nullptr && endsAddress(*pAddressEnd))
     {
-        *ppStop = pStop;
-        return countSelected(m_set.contains(uAddress));
-    }
-    CKestaIPv6Number address;
-    if (const char* const pStop = scanIPv6(pLine, address); pStop != nullptr && endsAddress(*pStop))
-    {
-        *ppStop = pStop;
-        return countSelected(m_set.contains(address));
+        *ppStop = pAddressEnd;
+        return isSelected(address);
     }
     *ppStop = findNewline(pLine, pLimit);
-    return isSelectedSlowly(between(pLine, *ppStop).substr(0, ulLongestStart));
+    return judgeSlowly(between(pLine, *ppStop).substr(0, ulLongestStart));
 }
 
 // Asks the library what the usual forms don't tell.
-bool CKestaFilterScanner::isSelectedSlowly(std::string_view line)
+bool CKestaFilterScanner::judgeSlowly(std::string_view line)
 {
     const auto itEnd = std::find_if(line.begin(), line.end(), &endsAddress);
     const std::string_view text = line.substr(0, static_cast<std::size_t>(itEnd - line.begin()));
     CKestaAddressNumber address;
     if (text.size() < ulLongestStart && readAddress(text, address))
-        return countSelected(m_set.contains(address));
+        return isSelected(address);
     m_sink.unreadable(m_ullLine, text);
     return false;
 }
 
-bool CKestaFilterScanner::countSelected(bool bInside)
+bool CKestaFilterScanner::isSelected(const CKestaAddressNumber& address)
 {
+    const bool bAsIPv4 = !address.bIPv6 || (m_bMapped && address.number >> 32 == 0xFFFF);
+    const bool bInside = bAsIPv4 ? m_set.isMember(KestaAddressNumber::toIPv4(
+                                       static_cast<KestaIPv4Number>(address.number)))
+                                 : m_set.isMember(KestaAddressNumber::toIPv6(address.number));
     const bool bSelected = bInside != m_bInvert;
     m_ullSelected += bSelected ? 1 : 0;
     return bSelected;

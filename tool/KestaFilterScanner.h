@@ -1,9 +1,9 @@
 #ifndef KESTA_FILTER_SCANNER_H
 #define KESTA_FILTER_SCANNER_H
 
-#include "KestaAddressSet.h"
+#include "KestaAddressText.h"
+#include "KestaIPRangeSet.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -15,7 +15,8 @@
 /// whatever the library's address classes read; it must end within the first 4096 bytes of its
 /// line. Lines may be of any length: memory stays the same.
 ///
-/// A line whose address can't be read is reported, and never selected.
+/// A line whose address can't be read is reported, and never selected. A byte-order mark at the
+/// start of a file is left out.
 class CKestaFilterScanner
 {
 public:
@@ -25,17 +26,19 @@ public:
     public:
         virtual ~CSink() = default;
 
-        /// Bytes of selected lines, newlines included. They are the scanner's, or the caller's of
-        /// `feed`: valid during the call only.
-        virtual void selected(std::string_view bytes) = 0;
+        /// Bytes of selected lines, newlines included, and the number of the first of these lines,
+        /// counted from 1. A long line may come in several pieces. The bytes are the scanner's, or
+        /// the caller's of `feed`: valid during the call only.
+        virtual void selected(std::uint64_t ullLine, std::string_view bytes) = 0;
 
         /// A line, counted from 1, that does not begin with an address; and what it begins with.
         virtual void unreadable(std::uint64_t ullLine, std::string_view text) = 0;
     };
 
-    /// Selects the lines whose address is in the set, or, inverted, those whose address is not.
-    /// REQUIRES: set and sink outlive the scanner.
-    CKestaFilterScanner(const CKestaAddressSet& set, bool bInvert, CSink& sink);
+    /// Selects the lines whose address is in the set, or, inverted, those whose address is not. An
+    /// IPv4-mapped address is an IPv6 address, or, mapped, the IPv4 address that it stands for.
+    /// REQUIRES: the set is built; set and sink outlive the scanner.
+    CKestaFilterScanner(const KestaIPRangeSet& set, bool bInvert, bool bMapped, CSink& sink);
 
     /// Looks at the next bytes of the file.
     void feed(std::string_view bytes);
@@ -48,21 +51,24 @@ public:
     std::uint64_t selectedLines() const { return m_ullSelected; }
 
 private:
+    std::string_view skipMark(std::string_view bytes);
     const char* finishLine(const char* pByte, const char* pEnd);
     void scanLines(const char* pLine, const char* pEnd);
     void beginLine(std::string_view bytes);
-    bool isSelected(const char* pLine, const char* pLimit, const char** ppStop);
-    bool isSelectedSlowly(std::string_view line);
-    bool countSelected(bool bInside);
+    bool judgeLine(const char* pLine, const char* pLimit, const char** ppStop);
+    bool judgeSlowly(std::string_view line);
+    bool isSelected(const CKestaAddressNumber& address);
 
-    const CKestaAddressSet& m_set;
+    const KestaIPRangeSet& m_set;
     const bool m_bInvert;
+    const bool m_bMapped;
     CSink& m_sink;
 
+    std::size_t m_ulMark = 0;      // how many bytes of a byte-order mark the file began with
     std::uint64_t m_ullLine = 0;   // the line that is being looked at
     std::uint64_t m_ullSelected = 0;
-    std::string m_strBegun;            // the start of a line of which more is to come
-    bool m_bDecided = false;           // the rest of a line is to come, which was looked at already
+    std::string m_strBegun;    // the start of a line of which more is to come
+    bool m_bDecided = false;   // the current line is already judged; its remaining bytes follow
     bool m_bDecidedSelected = false;   // and is selected
 };
 

@@ -1,27 +1,15 @@
 #include "KestaTable.h"
 
 #include "KestaOutput.h"
-#include "KestaToolError.h"
+#include "KestaToolText.h"
 
 #include <algorithm>
 
 namespace
 {
 
-const char* colourCode(CKestaTable::EColour eColour)
-{
-    switch (eColour)
-    {
-    case CKestaTable::EColour::heading:
-        return "\x1b[1m";
-    case CKestaTable::EColour::good:
-        return "\x1b[32m";
-    case CKestaTable::EColour::bad:
-        return "\x1b[31m";
-    default:
-        return "";
-    }
-}
+// Of the colours, in their order.
+constexpr const char* colourCodes[] = {"", "\x1b[1m", "\x1b[32m", "\x1b[31m"};
 
 }   // namespace
 
@@ -47,7 +35,7 @@ void CKestaTable::print(CKestaOutput& output) const
     for (const CRow& row : m_rows)
     {
         const bool bColouredRow = bColoured && row.eColour != EColour::plain;
-        std::string strLine = bColouredRow ? colourCode(row.eColour) : "";
+        std::string strLine = bColouredRow ? colourCodes[static_cast<int>(row.eColour)] : "";
         for (std::size_t ul = 0; ul < row.cells.size(); ++ul)
         {
             if (ul > 0)

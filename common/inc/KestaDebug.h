@@ -22,8 +22,8 @@ KESTA_API extern pthread_mutex_t ghMutex;
 KESTA_API extern std::atomic<long> glKestaTracedLevel;
 
 /// The start of an entry into the library: reads the configuration and, unless its level is 0,
-/// takes the mutex and opens the trace log. `unInitialize` ends the entry; `CKestaEntry` calls the
-/// two, also when an exception leaves the unit of work, and is what a host should use.
+/// takes the mutex and opens the trace log. `unInitialize` ends the entry. Hosts should use
+/// `CKestaEntry`, which calls both, even when an exception is thrown.
 ///
 /// Level 52813 gives a plain log, and writes every line; any other level gives an enciphered one.
 /// A log that can't be opened costs one line of warning on standard output, nothing else.
@@ -39,8 +39,9 @@ KESTA_API void initialize();
 /// too large.
 ///
 /// Intended: the mutex is released even when `initialize` did not take it (level 0), and a thread
-/// that is in no entry ends the one in progress. Only a thread with an entry of its own ends
-/// nothing else: entries of other threads keep their log and the mutex.
+/// that is in no entry ends the one in progress, so that an entry may be begun on one thread and
+/// ended on another. A thread with an entry of its own ends that alone: entries of other threads
+/// keep their log and the mutex.
 KESTA_API void unInitialize();
 
 /// The trace log. Everything is static and process-wide.
@@ -54,7 +55,8 @@ KESTA_API void unInitialize();
 /// no entry. A thread whose own entry is at level 0 writes nothing. A thread may be cancelled at
 /// the start of a line that is to be written, never amid it.
 ///
-/// A line that there is no memory or no room on the disk for is lost, without an error.
+/// A line that there is no memory for, or no room on the disk, is lost without an error. Making a
+/// text of an argument may throw, before anything is written.
 class KESTA_API CKestaDebug
 {
 public:

@@ -4,8 +4,8 @@
 #include "KestaDebug.h"
 
 /// An entry into the library: `initialize()` when it is made, `unInitialize()` when it goes out of
-/// scope, whichever way that happens. An exception, an early return or a cancelled thread leave no
-/// entry open behind them.
+/// scope, whichever way that happens: an exception, an early return or a cancelled thread leaves no
+/// entry open.
 ///
 ///     {
 ///         const CKestaEntry entry;

@@ -19,8 +19,8 @@ class KESTA_API CKestaHostSetup
 {
 public:
     /// Turns a plain trace line (its newline included) into its enciphered form, which may hold
-    /// any bytes. A line whose cipher throws is not written. A cipher must not trace, nor begin or
-    /// end an entry: it runs while the log is locked.
+    /// any bytes. A line whose cipher throws is not written. A cipher runs while the log is locked:
+    /// it must not trace, begin or end an entry, fork, or wait for another thread.
     typedef std::string (*LineCipher)(const std::string& strLine);
 
     /// The start-up parameters.

@@ -1,14 +1,15 @@
 #ifndef KESTA_IP_RANGE_H
 #define KESTA_IP_RANGE_H
 
+#include "KestaAddressNumber.h"
 #include "KestaDebug.h"
 #include "KestaExport.h"
 #include "KestaIPAddress.h"
 #include "KestaString.h"
 
-#include <memory>
-
-#include <netinet/in.h>
+#include <iosfwd>
+#include <string_view>
+#include <type_traits>
 
 /// A range of IP addresses of one family, both ends included, made from one text:
 ///
@@ -24,7 +25,7 @@
 /// screened against the exclusion flags of the address classes; the screening always refuses
 /// 0.0.0.0 and ::, so "*.*.*.*" and "::/0" are refused.
 ///
-/// The range owns its two addresses. It can't be copied.
+/// The range holds its two addresses. It can be moved, and not copied.
 ///
 /// Thread contract: does not change once it is made; any number of threads may ask one range.
 class KESTA_API KestaIPRange
@@ -56,6 +57,13 @@ public:
 
     KestaIPRange(const KestaIPRange&) = delete;
     KestaIPRange& operator=(const KestaIPRange&) = delete;
+
+    /// Takes over the ends of the other range, which contains nothing afterwards. Pointers to its
+    /// ends are no longer valid.
+    KestaIPRange(KestaIPRange&& other) noexcept;
+    /// The same; the addresses that this range had are gone.
+    KestaIPRange& operator=(KestaIPRange&& other) noexcept;
+
     ~KestaIPRange();
 
     /// True when one of the two ranges contains the other. Intended: it does not matter which; and
@@ -65,6 +73,15 @@ public:
     /// True when the address, which stays the caller's, lies inside the range. The families are not
     /// compared: ask for like with like. False for a null pointer.
     bool isMember(const KestaIPAddress* address) const;
+
+    /// A text is no address: it would become a range, and be asked the symmetric question above.
+    /// Make an address value of it.
+    template <class TText,
+              std::enable_if_t<std::is_convertible_v<const TText&, std::string_view> &&
+                                   !std::is_convertible_v<const TText&, const KestaIPAddress*> &&
+                                   !std::is_base_of_v<KestaIPRange, TText>,
+                               int> = 0>
+    bool isMember(const TText& text) const = delete;
 
     /// `KESTA_IPV4_FAMILY` or `KESTA_IPV6_FAMILY`; 0 for a range that contains nothing.
     int getAddressFamily() const { return iFamilyType; }
@@ -76,31 +93,59 @@ public:
     KestaIPAddress* getEndAddress() const { return m_endAddress.get(); }
 
 private:
-    void build(CKestaString& strRange);
-    void buildIPv4(const CKestaString& strRange);
-    void buildIPv6Address(const CKestaString& strRange);
-    void buildIPv6Prefix(const CKestaString& strRange);
-    void buildIPv6Wildcard(const CKestaString& strRange);
-    void makeIPv6End(int iPrefixLength);
-    void traceEnds(const char* pszStart, const char* pszEnd) const;
+    // An end of the range, held in place.
+    class KESTA_LOCAL CEnd
+    {
+    public:
+        CEnd() = default;
+        CEnd(const CEnd&) = delete;
+        CEnd& operator=(const CEnd&) = delete;
+        ~CEnd() { clear(); }
+
+        KestaIPAddress* get() const { return m_pAddress; }
+
+        template <class TAddress>
+        TAddress& make();
+        void takeOver(CEnd& other, int iFamily) noexcept;
+        void clear() noexcept;
+
+    private:
+        KestaIPAddress* m_pAddress = nullptr;
+        alignas(KestaIPAddress) unsigned char m_place[sizeof(KestaIPAddress)];
+    };
+
+    KESTA_LOCAL void build(CKestaString& strRange);
+    KESTA_LOCAL void buildIPv4(const CKestaString& strRange);
+    KESTA_LOCAL void buildIPv6Address(const CKestaString& strRange);
+    KESTA_LOCAL void buildIPv6Prefix(const CKestaString& strRange);
+    KESTA_LOCAL void buildIPv6Wildcard(const CKestaString& strRange);
+    KESTA_LOCAL void makeIPv6End(int iPrefixLength);
+    KESTA_LOCAL void traceEnds(const char* pszStart, const char* pszEnd) const;
+    KESTA_LOCAL void takeOver(KestaIPRange& other) noexcept;
     bool isMemberByOperators(const KestaIPAddress* address) const;
     bool isMemberByOperators(const KestaIPRange& other) const;
 
-    template <class TSocketAddress>
-    bool spans(const KestaIPAddress& first, const KestaIPAddress& last) const
+    template <class TNumber>
+    static TNumber numberOf(const KestaIPAddress* pAddress)
     {
-        return m_startAddress->number<TSocketAddress>() <= first.number<TSocketAddress>() &&
-               m_endAddress->number<TSocketAddress>() >= last.number<TSocketAddress>();
+        return KestaAddressNumber::in<TNumber>(pAddress->viewSockAddress());
     }
 
-    template <class TSocketAddress>
+    template <class TNumber>
+    bool spans(const KestaIPAddress* pFirst, const KestaIPAddress* pLast) const
+    {
+        return numberOf<TNumber>(m_startAddress.get()) <= numberOf<TNumber>(pFirst) &&
+               numberOf<TNumber>(m_endAddress.get()) >= numberOf<TNumber>(pLast);
+    }
+
+    template <class TNumber>
     bool spans(const KestaIPRange& other) const
     {
-        return spans<TSocketAddress>(*other.m_startAddress, *other.m_endAddress);
+        return spans<TNumber>(other.m_startAddress.get(), other.m_endAddress.get());
     }
 
-    std::unique_ptr<KestaIPAddress> m_startAddress;
-    std::unique_ptr<KestaIPAddress> m_endAddress;
+    CEnd m_startAddress;
+    CEnd m_endAddress;
     int iFamilyType = 0;
 };
 
@@ -109,19 +154,34 @@ private:
 // are for the rest.
 inline bool KestaIPRange::isMember(const KestaIPAddress* address) const
 {
-    if (CKestaDebug::isTraced(3) || m_startAddress == nullptr || address == nullptr)
+    if (CKestaDebug::isTraced(KestaIPAddress::KESTA_TRACE_LEVEL) || iFamilyType == 0 ||
+        address == nullptr)
         return isMemberByOperators(address);
-    return iFamilyType == KESTA_IPV4_FAMILY ? spans<sockaddr_in>(*address, *address)
-                                            : spans<sockaddr_in6>(*address, *address);
+    return iFamilyType == KESTA_IPV4_FAMILY ? spans<KestaIPv4Number>(address, address)
+                                            : spans<KestaIPv6Number>(address, address);
 }
 
 inline bool KestaIPRange::isMember(const KestaIPRange& other) const
 {
-    if (CKestaDebug::isTraced(3) || m_startAddress == nullptr || iFamilyType != other.iFamilyType)
+    if (CKestaDebug::isTraced(KestaIPAddress::KESTA_TRACE_LEVEL) || iFamilyType == 0 ||
+        iFamilyType != other.iFamilyType)
         return isMemberByOperators(other);
     return iFamilyType == KESTA_IPV4_FAMILY
-               ? spans<sockaddr_in>(other) || other.spans<sockaddr_in>(*this)
-               : spans<sockaddr_in6>(other) || other.spans<sockaddr_in6>(*this);
+               ? spans<KestaIPv4Number>(other) || other.spans<KestaIPv4Number>(*this)
+               : spans<KestaIPv6Number>(other) || other.spans<KestaIPv6Number>(*this);
+}
+
+/// Writes a range as its two ends: "10.1.0.0 - 10.1.255.255". A range that contains nothing is the
+/// empty text.
+template <class TTraits>
+std::basic_ostream<char, TTraits>& operator<<(std::basic_ostream<char, TTraits>& os,
+                                              KestaOperand<KestaIPRange> range)
+{
+    CKestaString strEnds;
+    if (range.value.getAddressFamily() != 0)
+        strEnds = range.value.getStartAddress()->getStrAddress() + " - " +
+                  range.value.getEndAddress()->getStrAddress();
+    return os << strEnds.c_str();
 }
 
 #endif

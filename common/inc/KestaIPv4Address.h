@@ -1,12 +1,17 @@
 #ifndef KESTA_IPV4_ADDRESS_H
 #define KESTA_IPV4_ADDRESS_H
 
+#include "KestaAddressNumber.h"
 #include "KestaExport.h"
 #include "KestaIPAddress.h"
+#include "KestaString.h"
+
+#include <cstddef>
+#include <string_view>
 
 #include <netinet/in.h>
 
-/// An IPv4 address value; `KestaIPAddress` tells what all addresses have in common.
+/// An IPv4 address value; see `KestaIPAddress` for what all addresses have in common.
 ///
 /// The four flags name the classes of addresses that the application wants excluded from ranges and
 /// from filtered host addresses. Thread contract: they are process-wide and unguarded; set them
@@ -33,9 +38,12 @@ public:
     KestaIPv4Address& operator=(const KestaIPv4Address& other) = default;
     ~KestaIPv4Address() override;
 
-    bool operator<=(const KestaIPAddress* pAddress) const override;
-    bool operator>=(const KestaIPAddress* pAddress) const override;
-    bool operator==(const KestaIPAddress* pAddress) const override;
+    bool operator<=(KestaIPAddress* pAddress) override;
+    bool operator>=(KestaIPAddress* pAddress) override;
+    bool operator==(KestaIPAddress* pAddress) override;
+    using KestaIPAddress::operator<=;
+    using KestaIPAddress::operator>=;
+    using KestaIPAddress::operator==;
 
     /// -1, 0 or 1: this address is below, equal to or above the other; 0 for a null pointer.
     int compareTwoIPv4Addresses(const sockaddr_in* other) const;
@@ -55,6 +63,44 @@ public:
     /// True when the address must not be used: it is of a class that a flag excludes, or 0.0.0.0.
     /// REQUIRES: the pointer is not null.
     static bool CheckUnAllowedIPv4AddressTypes(const sockaddr_in* sa);
+
+private:
+    friend class KestaIPRange;
+
+    KESTA_LOCAL KestaIPv4Address();   // to be read
+
+    // Each reads a text; the second, a pattern of so many stars with a text in place of each.
+    KESTA_LOCAL void read(std::string_view address);
+    KESTA_LOCAL void read(const CKestaString& strPattern, std::size_t ulStars,
+                          std::string_view star);
+    KESTA_LOCAL void read();
+};
+
+/// True when two addresses have the same bytes.
+template <int = 0>
+bool operator==(KestaOperand<KestaIPv4Address> left, KestaOperand<KestaIPv4Address> right)
+{
+    return KestaAddressNumber::in<KestaIPv4Number>(left.value.viewSockAddress()) ==
+           KestaAddressNumber::in<KestaIPv4Number>(right.value.viewSockAddress());
+}
+
+/// True when the left address comes before the right one.
+template <int = 0>
+bool operator<(KestaOperand<KestaIPv4Address> left, KestaOperand<KestaIPv4Address> right)
+{
+    return KestaAddressNumber::in<KestaIPv4Number>(left.value.viewSockAddress()) <
+           KestaAddressNumber::in<KestaIPv4Number>(right.value.viewSockAddress());
+}
+
+/// Goes by the address bytes, as `==` does.
+template <>
+struct std::hash<KestaIPv4Address>
+{
+    /// The hash of an address.
+    std::size_t operator()(const KestaIPv4Address& address) const noexcept
+    {
+        return KestaAddressNumber::in<KestaIPv4Number>(address.viewSockAddress());
+    }
 };
 
 #endif

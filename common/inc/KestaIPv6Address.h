@@ -1,12 +1,17 @@
 #ifndef KESTA_IPV6_ADDRESS_H
 #define KESTA_IPV6_ADDRESS_H
 
+#include "KestaAddressNumber.h"
 #include "KestaExport.h"
 #include "KestaIPAddress.h"
+#include "KestaString.h"
+
+#include <cstddef>
+#include <string_view>
 
 #include <netinet/in.h>
 
-/// An IPv6 address value; `KestaIPAddress` tells what all addresses have in common.
+/// An IPv6 address value; see `KestaIPAddress` for what all addresses have in common.
 ///
 /// The four flags name the classes of addresses that the application wants excluded from ranges and
 /// from filtered host addresses. Thread contract: they are process-wide and unguarded; set them
@@ -34,9 +39,12 @@ public:
     KestaIPv6Address& operator=(const KestaIPv6Address& other) = default;
     ~KestaIPv6Address() override;
 
-    bool operator<=(const KestaIPAddress* pAddress) const override;
-    bool operator>=(const KestaIPAddress* pAddress) const override;
-    bool operator==(const KestaIPAddress* pAddress) const override;
+    bool operator<=(KestaIPAddress* pAddress) override;
+    bool operator>=(KestaIPAddress* pAddress) override;
+    bool operator==(KestaIPAddress* pAddress) override;
+    using KestaIPAddress::operator<=;
+    using KestaIPAddress::operator>=;
+    using KestaIPAddress::operator==;
 
     /// -1, 0 or 1: this address is below, equal to or above the other; 0 for a null pointer.
     int compareTwoIPv6Addresses(const sockaddr_in6* other) const;
@@ -47,9 +55,47 @@ public:
     static bool CheckUnAllowedIPv6AddressTypes(const sockaddr_in6* sa);
 
 private:
+    friend class KestaIPRange;
     friend class KestaIPUtilities;
 
-    explicit KestaIPv6Address(const in6_addr& address);
+    KESTA_LOCAL KestaIPv6Address();   // to be read, or set
+
+    KESTA_LOCAL void read(std::string_view address);
+    KESTA_LOCAL void read();
+
+    // Becomes the last address of the block that an address begins, as the two prefix operations
+    // trace it.
+    KESTA_LOCAL void setBlockEnd(const in6_addr& start, int iPrefixLength);
+};
+
+/// True when two addresses have the same bytes.
+template <int = 0>
+bool operator==(KestaOperand<KestaIPv6Address> left, KestaOperand<KestaIPv6Address> right)
+{
+    return KestaAddressNumber::in<KestaIPv6Number>(left.value.viewSockAddress()) ==
+           KestaAddressNumber::in<KestaIPv6Number>(right.value.viewSockAddress());
+}
+
+/// True when the left address comes before the right one.
+template <int = 0>
+bool operator<(KestaOperand<KestaIPv6Address> left, KestaOperand<KestaIPv6Address> right)
+{
+    return KestaAddressNumber::in<KestaIPv6Number>(left.value.viewSockAddress()) <
+           KestaAddressNumber::in<KestaIPv6Number>(right.value.viewSockAddress());
+}
+
+/// Goes by the address bytes, as `==` does.
+template <>
+struct std::hash<KestaIPv6Address>
+{
+    /// The hash of an address.
+    std::size_t operator()(const KestaIPv6Address& address) const noexcept
+    {
+        const KestaIPv6Number number =
+            KestaAddressNumber::in<KestaIPv6Number>(address.viewSockAddress());
+        const std::string_view bytes(reinterpret_cast<const char*>(&number), sizeof number);
+        return std::hash<std::string_view>()(bytes);
+    }
 };
 
 #endif

@@ -14,8 +14,8 @@
 /// which programs that the host executes do not inherit, and which is never that of standard input,
 /// output or error.
 ///
-/// When the disk is full, what can't be written of a line is given up and never comes later; the
-/// next line that finds room starts on a line of its own.
+/// When the disk is full, or a terminal takes no more, what can't be written of a line is given up
+/// and never comes later; the next line that finds room starts on a line of its own.
 ///
 /// Thread contract: one thread at a time. Several objects and processes may append to one file;
 /// each line stays whole.
@@ -64,6 +64,8 @@ private:
     KESTA_LOCAL bool encipher(std::string& strLine);
     KESTA_LOCAL bool write(const std::string& strBytes);
     KESTA_LOCAL bool endsWith(std::string_view lineEnd) const;
+    KESTA_LOCAL void renameLocked(const CKestaString& strPath, const CKestaString& strNewPath,
+                                  long lLimit) const;
     KESTA_LOCAL bool isRolledOver(const CKestaString& strPath,
                                   const CKestaString& strNewPath) const;
 

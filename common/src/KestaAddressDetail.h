@@ -1,22 +1,41 @@
 #ifndef KESTA_ADDRESS_DETAIL_H
 #define KESTA_ADDRESS_DETAIL_H
 
+#include "KestaAddressCodec.h"
+#include "KestaAddressNumber.h"
 #include "KestaDebug.h"
+#include "KestaException.h"
 #include "KestaIPAddress.h"
+
+#include <algorithm>
+#include <exception>
+#include <string>
 
 #include <netinet/in.h>
 
-// What the sources of the address layer share: the one reading of a socket address as that of a
-// family, the one outcome of a comparison, the one trace of an address.
+// Shared by the address sources: trace level, family casts, three-way compare, address trace, block
+// arithmetic and errors.
+
+inline constexpr int iTraceLevel = KestaIPAddress::KESTA_TRACE_LEVEL;
 
 inline const sockaddr_in* asIPv4(const sockaddr_storage& storage)
 {
     return reinterpret_cast<const sockaddr_in*>(&storage);
 }
 
+inline sockaddr_in* asIPv4(sockaddr_storage& storage)
+{
+    return reinterpret_cast<sockaddr_in*>(&storage);
+}
+
 inline const sockaddr_in6* asIPv6(const sockaddr_storage& storage)
 {
     return reinterpret_cast<const sockaddr_in6*>(&storage);
+}
+
+inline sockaddr_in6* asIPv6(sockaddr_storage& storage)
+{
+    return reinterpret_cast<sockaddr_in6*>(&storage);
 }
 
 /// -1, 0 or 1: the first number is below, equal to or above the second.
@@ -26,11 +45,82 @@ int threeWay(const TNumber& left, const TNumber& right)
     return (left > right) - (left < right);
 }
 
+/// The same for two IPv6 addresses, traced as the comparison of address values is.
+inline int compareIPv6(KestaIPv6Number left, KestaIPv6Number right)
+{
+    KESTA_DEBUG1("In KestaIPv6Address::compareTwoIPv6Addresses() ", iTraceLevel);
+    const int iResult = threeWay(left, right);
+    KESTA_DEBUG1("Out KestaIPv6Address::compareTwoIPv6Addresses() ", iTraceLevel);
+    return iResult;
+}
+
 /// Traces a text followed by an address, whose text is not even copied while tracing is off.
 inline void traceAddress(const char* pszPrefix, const KestaIPAddress& address)
 {
-    if (CKestaDebug::isTraced(3))
-        KESTA_DEBUG2(pszPrefix, address.getStrAddress(), 3);
+    if (CKestaDebug::isTraced(iTraceLevel))
+        KESTA_DEBUG2(pszPrefix, address.getStrAddress(), iTraceLevel);
+}
+
+/// The bits of an IPv6 address that follow a prefix. A length below 0 counts as 0, one above 128 as
+/// 128.
+inline KestaIPv6Number hostBits(int iPrefixLength)
+{
+    constexpr KestaIPv6Number allBits = ~KestaIPv6Number{0};
+    if (iPrefixLength >= 128)
+        return 0;   // a shift by as many bits as there are is undefined
+    return allBits >> std::max(iPrefixLength, 0);
+}
+
+/// Traces a text of all zeros or all ones as read. The lines are fixed; the reading is left out.
+inline void traceFixedIPv6Text()
+{
+    KESTA_DEBUG1("In KestaIPUtilities::convertIPv6StringToAddress()", iTraceLevel);
+    KESTA_DEBUG1("Out KestaIPUtilities::convertIPv6StringToAddress()", iTraceLevel);
+}
+
+/// Replaces a text by an IPv6 address, traced as a conversion.
+inline void writeIPv6(KestaIPv6Number number, std::string& strText)
+{
+    KESTA_DEBUG1("In OKestaIPUtilities::convertIPv6AddressToString()", iTraceLevel);
+    char szText[INET6_ADDRSTRLEN];
+    strText.assign(szText, CKestaAddressCodec::writeIPv6(number, szText));
+    KESTA_DEBUG1("Out KestaIPUtilities::convertIPv6AddressToString() ", iTraceLevel);
+}
+
+/// The error that a message makes with the text that it names at its end.
+inline CKestaExc errorNaming(const char* pszMessage, const CKestaString& strText)
+{
+    CKestaString strMessage(pszMessage);
+    strMessage += strText;
+    return CKestaExc(strMessage);
+}
+
+/// Does a work of which callers see error objects only: any other exception is traced, and becomes
+/// an error object with a message of its own. An error object is no `std::exception`, so it passes
+/// by itself, and needs no second throw; so does the cancellation of the thread.
+template <class TWork>
+void throwingErrorObjects(const char* pszTrace, const char* pszMessage, TWork work)
+{
+    try
+    {
+        work();
+    }
+    catch (const std::exception&)
+    {
+        KESTA_DEBUG1(pszTrace, iTraceLevel);
+        throw CKestaExc(pszMessage);
+    }
+}
+
+/// The whole of `KestaIPUtilities::InitialiseIPv6EndAddress` but the address itself, which `make`
+/// makes where the caller wants it.
+template <class TMake>
+void initialisingIPv6End(TMake make)
+{
+    KESTA_DEBUG1("In KestaIPUtilities::InitialiseIPv6EndAddress() ", iTraceLevel);
+    throwingErrorObjects("KestaIPUtilities::InitialiseIPv6EndAddress()-Unknown Exception",
+                         "Unknown Exception", make);
+    KESTA_DEBUG1("Out KestaIPUtilities::InitialiseIPv6EndAddress()", iTraceLevel);
 }
 
 #endif

@@ -10,6 +10,7 @@
 #include "KestaTraceSettings.h"
 
 #include <cstdio>
+#include <limits>
 #include <new>
 #include <string>
 #include <utility>
@@ -19,6 +20,7 @@ namespace
 
 constexpr int iNoTrace = 0;
 constexpr int iPlainText = 52813;   // the one level that leaves the log unenciphered
+constexpr int iLowestLevel = std::numeric_limits<int>::min();   // traced whenever the switch is on
 
 // Begins an entry with tracing. Without settings, those that were read last count when it begins.
 void beginTraced(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
@@ -57,7 +59,10 @@ void initialize()
     CKestaConfiguration::initialize(szKestaConfigurationFile);
     const CKestaTraceSettings settings = currentTraceSettings();
     if (settings.iDebugLevel == iNoTrace)
+    {
+        const CKestaLock lock(CKestaEntries::mutex());
         CKestaEntries::beginIdle();
+    }
     else
         beginTraced(settings.strDebugFile, settings.iDebugLevel != iPlainText, settings.iDebugLevel,
                     &settings);
@@ -94,6 +99,7 @@ void CKestaDebug::logMessage(const CKestaString& strMessage, const CKestaString&
 }
 
 void CKestaDebug::logMessage(const CKestaExc& refException)
+try
 {
     constexpr int iExceptionLevel = 1;
     if (!isTraced(iExceptionLevel))
@@ -104,6 +110,10 @@ void CKestaDebug::logMessage(const CKestaExc& refException)
     strMessage += refException.GetErrorMessage();
     logText("EXC", strSource, strMessage, iExceptionLevel);
 }
+catch (const std::bad_alloc&)
+{
+    // Lost, as below.
+}
 
 void CKestaDebug::enable(bool bEnable)
 {
@@ -113,13 +123,20 @@ void CKestaDebug::enable(bool bEnable)
 }
 
 void CKestaDebug::writeMessage(const CKestaString& strMessage)
+try
 {
+    if (!isTraced(iLowestLevel))
+        return;
     pthread_testcancel();
     const CKestaNoCancellation noCancellation;
     std::string strText(strMessage.c_str());
     const CKestaLock lock(CKestaEntries::mutex());
     if (!CKestaEntries::isLogOfOthers())
         CKestaTraceLog::instance().writeText(std::move(strText));
+}
+catch (const std::bad_alloc&)
+{
+    // A line that memory has no room for is lost, as one that the disk has no room for.
 }
 
 void CKestaDebug::logText(std::string_view itemType, std::string_view source,
@@ -144,7 +161,7 @@ try
 }
 catch (const std::bad_alloc&)
 {
-    // A line that memory has no room for is lost, as one that the disk has no room for.
+    // Lost, as above.
 }
 
 CKestaString CKestaDebug::getLogFile()

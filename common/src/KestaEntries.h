@@ -10,18 +10,18 @@
 /// it is held for; that is noted here, under a lock that is held for moments only and guards the
 /// trace log as well.
 ///
-/// Thread contract: where nothing else is said, the caller holds `mutex()`.
+/// Thread contract: the caller holds `mutex()`.
 class CKestaEntries
 {
 public:
     /// The lock.
     static pthread_mutex_t& mutex();
 
-    /// Begins an entry of this thread without tracing. Needs no lock.
+    /// Begins an entry of this thread without tracing.
     static void beginIdle();
 
-    /// Begins an entry of this thread with tracing: waits until `ghMutex` is free, and takes it. A
-    /// thread that is cancelled while it waits has begun nothing.
+    /// Begins an entry of this thread with tracing: waits until `ghMutex` is free, without the
+    /// lock, and takes it. A thread that is cancelled while it waits has begun nothing.
     static void begin();
 
     /// Ends an entry of this thread, which is all it does while the entry in progress is another

@@ -1,18 +1,15 @@
 #include "KestaIPAddress.h"
 
-#include <cstddef>
 #include <cstring>
 
 namespace
 {
 
-// In parts, because g++ clears the whole with an instruction that takes longer than all else that
-// goes into an address.
+// In parts: g++ clears the whole by an instruction that takes a third of the time of an address.
 void clear(sockaddr_storage& address)
 {
-    constexpr std::size_t ulPart = 32;
-    static_assert(sizeof address % ulPart == 0);
-    char* pBytes = reinterpret_cast<char*>(&address);
+    char* const pBytes = reinterpret_cast<char*>(&address);
+    constexpr std::size_t ulPart = sizeof address / 4;
     for (std::size_t ulOffset = 0; ulOffset < sizeof address; ulOffset += ulPart)
         std::memset(pBytes + ulOffset, 0, ulPart);
 }
@@ -30,3 +27,10 @@ KestaIPAddress::KestaIPAddress(const CKestaString& strAddress) : m_strIPAddress(
 }
 
 KestaIPAddress::~KestaIPAddress() = default;
+
+// The texts are exchanged, which allocates nothing.
+void KestaIPAddress::takeOver(KestaIPAddress& other) noexcept
+{
+    m_strIPAddress.swap(other.m_strIPAddress);
+    m_binIPAddress = other.m_binIPAddress;
+}

@@ -1,54 +1,51 @@
 #include "KestaIPRange.h"
 
 #include "KestaAddressDetail.h"
-#include "KestaDebug.h"
-#include "KestaException.h"
 #include "KestaIPUtilities.h"
 #include "KestaIPv4Address.h"
 #include "KestaIPv6Address.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
-#include <exception>
-#include <string_view>
+#include <new>
+#include <utility>
 
 namespace
 {
 
 constexpr std::size_t npos = CKestaString::npos;
 
-// Not one word of these is to be changed: users and scripts know them as they are. The last of the
-// errors is the one that no blank parts from the address.
+// Fixed texts; do not edit. No blank parts the error from the text that follows it.
 constexpr char szNotAllowed[] = "This address as not allowed as per current IP filter settings!!!";
 constexpr char szNotAllowedTrace[] = "KestaIPRange::KestaIPRange(): This address as not allowed as "
                                      "per current IP filter settings!!!";
-constexpr char szNotAllowedIPv6Trace[] =
+constexpr char szNotAllowedAddressTrace[] =
     "KestaIPRange::KestaIPRange():This address as not allowed as per current IP filter settings!!!";
 
-bool holds(std::string_view text, char c)
+// The characters that tell the forms of a text apart, each as a bit.
+constexpr unsigned char cDot = 1;
+constexpr unsigned char cColon = 2;
+constexpr unsigned char cStar = 4;
+constexpr unsigned char cSlash = 8;
+
+constexpr std::array<unsigned char, 256> markerTable()
 {
-    return text.find(c) != npos;
+    std::array<unsigned char, 256> table{};
+    table['.'] = cDot;
+    table[':'] = cColon;
+    table['*'] = cStar;
+    table['/'] = cSlash;
+    return table;
 }
 
-// The lowest and the highest text that a text with stars stands for.
-CKestaString withStarsLowest(const CKestaString& strText)
+unsigned int markersOf(const CKestaString& strText)
 {
-    CKestaString strResult(strText);
-    std::replace(strResult.begin(), strResult.end(), '*', '0');
-    return strResult;
-}
-
-CKestaString withStarsHighest(const CKestaString& strText)
-{
-    CKestaString strResult;
+    static constexpr std::array<unsigned char, 256> table = markerTable();
+    unsigned int uMarkers = 0;
     for (const char c : strText)
-    {
-        if (c == '*')
-            strResult += "255";
-        else
-            strResult += c;
-    }
-    return strResult;
+        uMarkers |= table[static_cast<unsigned char>(c)];
+    return uMarkers;
 }
 
 bool isUnallowedIPv4(const KestaIPAddress& address)
@@ -61,103 +58,140 @@ bool isUnallowedIPv6(const KestaIPAddress& address)
     return KestaIPv6Address::CheckUnAllowedIPv6AddressTypes(asIPv6(address.viewSockAddress()));
 }
 
-[[noreturn]] void refuse(const CKestaString& strError, const CKestaString& strRange)
-{
-    throw CKestaExc(strError + strRange);
-}
-
 // Everything after the last ":" of a text such as ::ffff:10.1.*.*
 CKestaString mappedIPv4Part(const CKestaString& strRange)
 {
+    constexpr KestaIPv6Number mappedPrefix = KestaIPv6Number{0xFFFF} << 32;   // ::ffff:0:0
     const std::size_t ulColon = strRange.rfind(':');
     const KestaIPv6Address prefix(CKestaString(strRange.substr(0, ulColon)) + ":0:0");
-    const KestaIPv6Address mappedPrefix("::ffff:0:0");
-    if (mappedPrefix.compareTwoIPv6Addresses(asIPv6(prefix.viewSockAddress())) != 0)
+    traceFixedIPv6Text();
+    if (compareIPv6(mappedPrefix,
+                    KestaAddressNumber::in<KestaIPv6Number>(prefix.viewSockAddress())) != 0)
     {
         KESTA_DEBUG2("KestaIPRange::KestaIPRange().Not a valid IPv4MappedIPv6 address", strRange,
-                     3);
-        refuse("Not a valid IPv4MappedIPv6 address ", strRange);
+                     iTraceLevel);
+        throw errorNaming("Not a valid IPv4MappedIPv6 address ", strRange);
     }
     return strRange.substr(ulColon + 1);
 }
 
 }   // namespace
 
+// The address is made first, and read in its place: what is thrown meanwhile finds an end to clear.
+template <class TAddress>
+TAddress& KestaIPRange::CEnd::make()
+{
+    static_assert(sizeof(TAddress) == sizeof m_place);
+    auto* const pAddress = new (m_place) TAddress;
+    m_pAddress = pAddress;
+    return *pAddress;
+}
+
+void KestaIPRange::CEnd::takeOver(CEnd& other, int iFamily) noexcept
+{
+    clear();
+    if (other.m_pAddress == nullptr)
+        return;
+    if (iFamily == KESTA_IPV4_FAMILY)
+        make<KestaIPv4Address>();
+    else
+        make<KestaIPv6Address>();
+    m_pAddress->takeOver(*other.m_pAddress);
+    other.clear();
+}
+
+void KestaIPRange::CEnd::clear() noexcept
+{
+    if (m_pAddress != nullptr)
+        m_pAddress->~KestaIPAddress();
+    m_pAddress = nullptr;
+}
+
 KestaIPRange::KestaIPRange(CKestaString strRange)
 {
-    KESTA_DEBUG1("In KestaIPRange::KestaIPRange()", 3);
-    try
-    {
-        build(strRange);
-    }
-    catch (const CKestaExc& refException)
-    {
-        throw CKestaExc(refException);
-    }
-    catch (const std::exception&)
-    {
-        KESTA_DEBUG1("KestaIPRange::KestaIPRange()-Unknown Error", 3);
-        throw CKestaExc("Unknown Error");
-    }
-    KESTA_DEBUG1("Out KestaIPRange::KestaIPRange()", 3);
+    KESTA_DEBUG1("In KestaIPRange::KestaIPRange()", iTraceLevel);
+    throwingErrorObjects("KestaIPRange::KestaIPRange()-Unknown Error", "Unknown Error",
+                         [&] { build(strRange); });
+    KESTA_DEBUG1("Out KestaIPRange::KestaIPRange()", iTraceLevel);
 }
 
 KestaIPRange::KestaIPRange() = default;
 
+KestaIPRange::KestaIPRange(KestaIPRange&& other) noexcept
+{
+    takeOver(other);
+}
+
+KestaIPRange& KestaIPRange::operator=(KestaIPRange&& other) noexcept
+{
+    if (this != &other)
+        takeOver(other);
+    return *this;
+}
+
 KestaIPRange::~KestaIPRange() = default;
+
+void KestaIPRange::takeOver(KestaIPRange& other) noexcept
+{
+    m_startAddress.takeOver(other.m_startAddress, other.iFamilyType);
+    m_endAddress.takeOver(other.m_endAddress, other.iFamilyType);
+    iFamilyType = std::exchange(other.iFamilyType, 0);
+}
 
 void KestaIPRange::build(CKestaString& strRange)
 {
     if (strRange.empty())
     {
-        KESTA_DEBUG1("KestaIPRange::KestaIPRange()-IPAddres is an empty string", 3);
-        refuse("IPAddres is an empty string ", strRange);
+        KESTA_DEBUG1("KestaIPRange::KestaIPRange()-IPAddres is an empty string", iTraceLevel);
+        throw errorNaming("IPAddres is an empty string ", strRange);
     }
-    const bool bColon = holds(strRange, ':');
-    const bool bStar = holds(strRange, '*');
-    if (holds(strRange, '.'))
+    const unsigned int uMarkers = markersOf(strRange);
+    const bool bColon = (uMarkers & cColon) != 0;
+    if ((uMarkers & cDot) != 0)
     {
         if (bColon)
             strRange = mappedIPv4Part(strRange);   // errors name this part alone from here on
         buildIPv4(strRange);
     }
-    else if (bStar)
+    else if ((uMarkers & cStar) != 0)
         buildIPv6Wildcard(strRange);
-    else if (bColon && holds(strRange, '/'))
+    else if (bColon && (uMarkers & cSlash) != 0)
         buildIPv6Prefix(strRange);
     else if (bColon)
         buildIPv6Address(strRange);
     else
     {
-        KESTA_DEBUG1("KestaIPRange::KestaIPRange().Not a valid IP address", 3);
-        refuse("Not a valid IP address ", strRange);
+        KESTA_DEBUG1("KestaIPRange::KestaIPRange().Not a valid IP address", iTraceLevel);
+        throw errorNaming("Not a valid IP address ", strRange);
     }
 }
 
 void KestaIPRange::buildIPv4(const CKestaString& strRange)
 {
     iFamilyType = KESTA_IPV4_FAMILY;
-    if (!holds(strRange, '*'))
+    const auto ulStars =
+        static_cast<std::size_t>(std::count(strRange.begin(), strRange.end(), '*'));
+    if (ulStars == 0)
     {
-        m_startAddress = std::make_unique<KestaIPv4Address>(strRange);
-        m_endAddress = std::make_unique<KestaIPv4Address>(strRange);
+        m_startAddress.make<KestaIPv4Address>().read(strRange);
+        m_endAddress.make<KestaIPv4Address>().read(strRange);
     }
     else
     {
-        m_startAddress = std::make_unique<KestaIPv4Address>(withStarsLowest(strRange));
-        m_endAddress = std::make_unique<KestaIPv4Address>(withStarsHighest(strRange));
+        m_startAddress.make<KestaIPv4Address>().read(strRange, ulStars, "0");
+        m_endAddress.make<KestaIPv4Address>().read(strRange, ulStars, "255");
         traceEnds("KestaIPRange::KestaIPRange()- m_startAddress:-",
                   "KestaIPRange::KestaIPRange()- m_endAddress:-");
     }
 
     traceEnds("KestaIPRange::KestaIPRange()-Before the filter check startAddress: ",
               "KestaIPRange::KestaIPRange()-Before the filter check endAddress: ");
-    for (const KestaIPAddress* pAddress : {m_startAddress.get(), m_endAddress.get()})
+    for (const CEnd* pEnd : {&m_startAddress, &m_endAddress})
     {
-        if (isUnallowedIPv4(*pAddress))
+        if (isUnallowedIPv4(*pEnd->get()))
         {
-            traceAddress(szNotAllowedTrace, *pAddress);
-            refuse(szNotAllowed, strRange);
+            traceAddress(szNotAllowedTrace, *pEnd->get());
+            throw errorNaming(szNotAllowed, strRange);
         }
     }
 }
@@ -165,15 +199,15 @@ void KestaIPRange::buildIPv4(const CKestaString& strRange)
 void KestaIPRange::buildIPv6Address(const CKestaString& strRange)
 {
     iFamilyType = KESTA_IPV6_FAMILY;
-    m_startAddress = std::make_unique<KestaIPv6Address>(strRange);
-    m_endAddress = std::make_unique<KestaIPv6Address>(strRange);
+    m_startAddress.make<KestaIPv6Address>().read(strRange);
+    m_endAddress.make<KestaIPv6Address>().read(strRange);
 
     traceEnds("KestaIPRange::KestaIPRange()-Before the filter check startAddress: ",
               "KestaIPRange::KestaIPRange()-Before the filter check endAddress: ");
-    if (isUnallowedIPv6(*m_startAddress))
+    if (isUnallowedIPv6(*m_startAddress.get()))
     {
-        KESTA_DEBUG2(szNotAllowedIPv6Trace, strRange, 3);
-        refuse(szNotAllowed, strRange);
+        KESTA_DEBUG2(szNotAllowedAddressTrace, strRange, iTraceLevel);
+        throw errorNaming(szNotAllowed, strRange);
     }
 }
 
@@ -184,26 +218,25 @@ void KestaIPRange::buildIPv6Prefix(const CKestaString& strRange)
     const int iPrefixLength = std::atoi(strRange.c_str() + ulSlash + 1);
     if (iPrefixLength < 0 || iPrefixLength > 128)
     {
-        KESTA_DEBUG1("KestaIPRange::KestaIPRange()-Not a Valid prefix for IPv6 Address", 3);
-        refuse("Not a Valid prefix for IPv6 Address ", strRange);
+        KESTA_DEBUG1("KestaIPRange::KestaIPRange()-Not a Valid prefix for IPv6 Address",
+                     iTraceLevel);
+        throw errorNaming("Not a Valid prefix for IPv6 Address ", strRange);
     }
 
-    CKestaString strStart;
-    strStart.assign(strRange, 0, ulSlash);
-    m_startAddress = std::make_unique<KestaIPv6Address>(strStart);
-    sockaddr_in6 scratch = *asIPv6(m_startAddress->viewSockAddress());   // the check clears it
+    m_startAddress.make<KestaIPv6Address>().read(std::string_view(strRange).substr(0, ulSlash));
+    sockaddr_in6 scratch = *asIPv6(m_startAddress.get()->viewSockAddress());   // will be changed
     if (!KestaIPUtilities::ValidateIPv6StartAddress(&scratch, iPrefixLength))
     {
-        KESTA_DEBUG1("KestaIPRange::KestaIPRange()-Not a Valid Ipv6 Address", 3);
-        refuse("Not a valid IPv6 address ", strRange);
+        KESTA_DEBUG1("KestaIPRange::KestaIPRange()-Not a Valid Ipv6 Address", iTraceLevel);
+        throw errorNaming("Not a valid IPv6 address ", strRange);
     }
     makeIPv6End(iPrefixLength);
 
     traceEnds("KestaIPRange::KestaIPRange()-Before the filter check startAddress: ",
               "KestaIPRange::KestaIPRange()-Before the filter check endAddress: ");
-    if (isUnallowedIPv6(*m_startAddress))
+    if (isUnallowedIPv6(*m_startAddress.get()))
     {
-        KESTA_DEBUG1(szNotAllowedTrace, 3);
+        KESTA_DEBUG1(szNotAllowedTrace, iTraceLevel);
         throw CKestaExc(szNotAllowed);   // this form alone does not name the text, on purpose
     }
 }
@@ -215,8 +248,9 @@ void KestaIPRange::buildIPv6Wildcard(const CKestaString& strRange)
     const std::size_t ulStar = strRange.find('*');
     if (ulStar != strRange.size() - 1)
     {
-        KESTA_DEBUG1("KestaIPRange::KestaIPRange()-Not a valid IPv6 Wild Card Address", 3);
-        refuse("Not a valid IPv6 Wild Card Address ", strRange);
+        KESTA_DEBUG1("KestaIPRange::KestaIPRange()-Not a valid IPv6 Wild Card Address",
+                     iTraceLevel);
+        throw errorNaming("Not a valid IPv6 Wild Card Address ", strRange);
     }
 
     const bool bAll = strRange == "*";
@@ -241,7 +275,7 @@ void KestaIPRange::buildIPv6Wildcard(const CKestaString& strRange)
     else if (!bAll)
         lPrefixLength = 16 * lGroups;
 
-    m_startAddress = std::make_unique<KestaIPv6Address>(strStart);
+    m_startAddress.make<KestaIPv6Address>().read(strStart);
     makeIPv6End(static_cast<int>(lPrefixLength));
     traceEnds("KestaIPRange::KestaIPRange()- m_startAddress:-",
               "KestaIPRange::KestaIPRange()- m_endAddress:-");
@@ -249,34 +283,34 @@ void KestaIPRange::buildIPv6Wildcard(const CKestaString& strRange)
 
 void KestaIPRange::makeIPv6End(int iPrefixLength)
 {
-    KestaIPAddress* pEnd = nullptr;
-    KestaIPUtilities::InitialiseIPv6EndAddress(asIPv6(m_startAddress->viewSockAddress()), &pEnd,
-                                               iPrefixLength);
-    m_endAddress.reset(pEnd);
+    const in6_addr start = asIPv6(m_startAddress.get()->viewSockAddress())->sin6_addr;
+    initialisingIPv6End(
+        [&] { m_endAddress.make<KestaIPv6Address>().setBlockEnd(start, iPrefixLength); });
 }
 
 void KestaIPRange::traceEnds(const char* pszStart, const char* pszEnd) const
 {
-    traceAddress(pszStart, *m_startAddress);
-    traceAddress(pszEnd, *m_endAddress);
+    traceAddress(pszStart, *m_startAddress.get());
+    traceAddress(pszEnd, *m_endAddress.get());
 }
 
 // A range without ends contains nothing, and nothing contains it.
 bool KestaIPRange::isMemberByOperators(const KestaIPAddress* address) const
 {
-    KESTA_DEBUG1("In KestaIPRange::isMember()", 3);
-    return m_startAddress != nullptr && address != nullptr && *m_startAddress <= address &&
-           *m_endAddress >= address;
+    KESTA_DEBUG1("In KestaIPRange::isMember()", iTraceLevel);
+    return iFamilyType != 0 && address != nullptr && *m_startAddress.get() <= address &&
+           *m_endAddress.get() >= address;
 }
 
 bool KestaIPRange::isMemberByOperators(const KestaIPRange& other) const
 {
     // The line says "by value"; it is fixed, although the range comes by reference.
-    KESTA_DEBUG1("In KestaIPRange::isMember(KestaIPRange anIPRange)", 3);
-    if (iFamilyType != other.iFamilyType || m_startAddress == nullptr)
+    KESTA_DEBUG1("In KestaIPRange::isMember(KestaIPRange anIPRange)", iTraceLevel);
+    if (iFamilyType != other.iFamilyType || iFamilyType == 0)
         return false;
-    const KestaIPAddress* pOtherStart = other.getStartAddress();
-    const KestaIPAddress* pOtherEnd = other.getEndAddress();
-    return (*m_startAddress <= pOtherStart && *m_endAddress >= pOtherEnd) ||
-           (*m_startAddress >= pOtherStart && *m_endAddress <= pOtherEnd);
+    KestaIPAddress& start = *m_startAddress.get();
+    KestaIPAddress& end = *m_endAddress.get();
+    KestaIPAddress* const pOtherStart = other.getStartAddress();
+    KestaIPAddress* const pOtherEnd = other.getEndAddress();
+    return (start <= pOtherStart && end >= pOtherEnd) || (start >= pOtherStart && end <= pOtherEnd);
 }

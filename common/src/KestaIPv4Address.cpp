@@ -2,7 +2,6 @@
 
 #include "KestaAddressDetail.h"
 #include "KestaDebug.h"
-#include "KestaException.h"
 #include "KestaIPUtilities.h"
 
 bool KestaIPv4Address::m_bIPv4LoopBack = false;
@@ -10,47 +9,75 @@ bool KestaIPv4Address::m_bIPv4MutliCast = false;
 bool KestaIPv4Address::m_bIPv4LinkLocal = false;
 bool KestaIPv4Address::m_bIPv4SiteLocal = false;
 
+KestaIPv4Address::KestaIPv4Address() = default;
+
 KestaIPv4Address::KestaIPv4Address(const CKestaString& strAddress) : KestaIPAddress(strAddress)
 {
-    auto* pAddress = reinterpret_cast<sockaddr_in*>(&m_binIPAddress);
-    if (KestaIPUtilities::convertIPv4StringToAddress(m_strIPAddress, pAddress) == -1)
+    read();
+}
+
+void KestaIPv4Address::read(std::string_view address)
+{
+    m_strIPAddress.assign(address);
+    read();
+}
+
+void KestaIPv4Address::read(const CKestaString& strPattern, std::size_t ulStars,
+                            std::string_view star)
+{
+    m_strIPAddress.resize(strPattern.size() + ulStars * (star.size() - 1));
+    char* pEnd = m_strIPAddress.data();
+    for (const char c : strPattern)
+    {
+        if (c != '*')
+            *pEnd++ = c;
+        else
+            for (const char cDigit : star)
+                *pEnd++ = cDigit;
+    }
+    read();
+}
+
+void KestaIPv4Address::read()
+{
+    if (KestaIPUtilities::convertIPv4StringToAddress(m_strIPAddress, asIPv4(m_binIPAddress)) == -1)
     {
         KESTA_DEBUG2(
             "KestaIPv4Address::KestaIPv4Address()-Passed string is not a valid IPv4 address: ",
-            m_strIPAddress, 3);
-        throw CKestaExc(CKestaString("Passed string is not a valid IPv4 address ") +
-                        m_strIPAddress);
+            m_strIPAddress, iTraceLevel);
+        throw errorNaming("Passed string is not a valid IPv4 address ", m_strIPAddress);
     }
 }
 
 KestaIPv4Address::~KestaIPv4Address() = default;
 
-bool KestaIPv4Address::operator<=(const KestaIPAddress* pAddress) const
+bool KestaIPv4Address::operator<=(KestaIPAddress* pAddress)
 {
     // The blank in this line alone is intended: readers of the log look for it.
-    KESTA_DEBUG1("In KestaIPv4Address::operator<= ()", 3);
+    KESTA_DEBUG1("In KestaIPv4Address::operator<= ()", iTraceLevel);
     return compareTwoIPv4Addresses(asIPv4(pAddress->viewSockAddress())) <= 0;
 }
 
-bool KestaIPv4Address::operator>=(const KestaIPAddress* pAddress) const
+bool KestaIPv4Address::operator>=(KestaIPAddress* pAddress)
 {
-    KESTA_DEBUG1("In KestaIPv4Address::operator>=()", 3);
+    KESTA_DEBUG1("In KestaIPv4Address::operator>=()", iTraceLevel);
     return compareTwoIPv4Addresses(asIPv4(pAddress->viewSockAddress())) >= 0;
 }
 
-bool KestaIPv4Address::operator==(const KestaIPAddress* pAddress) const
+bool KestaIPv4Address::operator==(KestaIPAddress* pAddress)
 {
-    KESTA_DEBUG1("In KestaIPv4Address::operator==()", 3);
+    KESTA_DEBUG1("In KestaIPv4Address::operator==()", iTraceLevel);
     return compareTwoIPv4Addresses(asIPv4(pAddress->viewSockAddress())) == 0;
 }
 
 int KestaIPv4Address::compareTwoIPv4Addresses(const sockaddr_in* other) const
 {
-    KESTA_DEBUG1("In KestaIPv4Address::compareTwoIPv4Addresses() ", 3);
+    KESTA_DEBUG1("In KestaIPv4Address::compareTwoIPv4Addresses() ", iTraceLevel);
     int iResult = 0;
     if (other != nullptr)
-        iResult = threeWay(number<sockaddr_in>(), numberOf(*other));
-    KESTA_DEBUG1("Out KestaIPv4Address::compareTwoIPv4Addresses() ", 3);
+        iResult = threeWay(KestaAddressNumber::in<KestaIPv4Number>(m_binIPAddress),
+                           KestaAddressNumber::of(other->sin_addr));
+    KESTA_DEBUG1("Out KestaIPv4Address::compareTwoIPv4Addresses() ", iTraceLevel);
     return iResult;
 }
 
@@ -84,16 +111,17 @@ bool KestaIPv4Address::isIPv4AnyLocalAddress(in_addr address)
 
 bool KestaIPv4Address::CheckUnAllowedIPv4AddressTypes(const sockaddr_in* sa)
 {
-    KESTA_DEBUG1("KestaIPv4Address::CheckUnAllowedIPv4AddressTypes(): Entered", 3);
+    KESTA_DEBUG1("KestaIPv4Address::CheckUnAllowedIPv4AddressTypes(): Entered", iTraceLevel);
     const in_addr address = sa->sin_addr;
     // The loopback flag is left out on purpose.
     if ((m_bIPv4LinkLocal && isIPv4LinkLocalAddress(address)) ||
         (m_bIPv4SiteLocal && isIPv4SiteLocalAddress(address)) ||
         (m_bIPv4MutliCast && isIPv4MulticastAddress(address)) || isIPv4AnyLocalAddress(address))
     {
-        KESTA_DEBUG1("KestaIPv4Address::CheckUnAllowedIPv4AddressTypes(): Returing true", 3);
+        KESTA_DEBUG1("KestaIPv4Address::CheckUnAllowedIPv4AddressTypes(): Returing true",
+                     iTraceLevel);
         return true;
     }
-    KESTA_DEBUG1("KestaIPv4Address::CheckUnAllowedIPv4AddressTypes(): Returing false", 3);
+    KESTA_DEBUG1("KestaIPv4Address::CheckUnAllowedIPv4AddressTypes(): Returing false", iTraceLevel);
     return false;
 }

@@ -2,7 +2,6 @@
 
 #include "KestaAddressDetail.h"
 #include "KestaDebug.h"
-#include "KestaException.h"
 #include "KestaIPUtilities.h"
 
 bool KestaIPv6Address::m_bIPv6LoopBack = false;
@@ -42,71 +41,82 @@ bool isUnspecified(const in6_addr& address)
 
 }   // namespace
 
+KestaIPv6Address::KestaIPv6Address() = default;
+
 KestaIPv6Address::KestaIPv6Address(const CKestaString& strAddress) : KestaIPAddress(strAddress)
 {
-    auto* pAddress = reinterpret_cast<sockaddr_in6*>(&m_binIPAddress);
-    if (KestaIPUtilities::convertIPv6StringToAddress(m_strIPAddress, pAddress) == -1)
+    read();
+}
+
+void KestaIPv6Address::read(std::string_view address)
+{
+    m_strIPAddress.assign(address);
+    read();
+}
+
+void KestaIPv6Address::read()
+{
+    if (KestaIPUtilities::convertIPv6StringToAddress(m_strIPAddress, asIPv6(m_binIPAddress)) == -1)
     {
         // Trace and message differ from each other and from those of IPv4, on purpose.
         KESTA_DEBUG2(
             "KestaIPv6Address::KestaIPv6Address()-Passed string is not a valid IPv6 address ",
-            m_strIPAddress, 3);
-        throw CKestaExc(CKestaString("KestaIPv6Address::KestaIPv6Address."
-                                     "Passed string is not a valid IPv6 address ") +
-                        m_strIPAddress);
+            m_strIPAddress, iTraceLevel);
+        throw errorNaming("KestaIPv6Address::KestaIPv6Address."
+                          "Passed string is not a valid IPv6 address ",
+                          m_strIPAddress);
     }
-}
-
-KestaIPv6Address::KestaIPv6Address(const in6_addr& address)
-{
-    auto* pAddress = reinterpret_cast<sockaddr_in6*>(&m_binIPAddress);
-    pAddress->sin6_family = AF_INET6;
-    pAddress->sin6_addr = address;
 }
 
 KestaIPv6Address::~KestaIPv6Address() = default;
 
-bool KestaIPv6Address::operator<=(const KestaIPAddress* pAddress) const
+void KestaIPv6Address::setBlockEnd(const in6_addr& start, int iPrefixLength)
 {
-    KESTA_DEBUG1("In KestaIPv6Address::operator<=()", 3);
+    traceFixedIPv6Text();
+    const KestaIPv6Number last = KestaAddressNumber::of(start) | hostBits(iPrefixLength);
+    asIPv6(m_binIPAddress)->sin6_family = AF_INET6;
+    asIPv6(m_binIPAddress)->sin6_addr = KestaAddressNumber::toIPv6(last);
+    writeIPv6(last, m_strIPAddress);
+}
+
+bool KestaIPv6Address::operator<=(KestaIPAddress* pAddress)
+{
+    KESTA_DEBUG1("In KestaIPv6Address::operator<=()", iTraceLevel);
     return compareTwoIPv6Addresses(asIPv6(pAddress->viewSockAddress())) <= 0;
 }
 
-bool KestaIPv6Address::operator>=(const KestaIPAddress* pAddress) const
+bool KestaIPv6Address::operator>=(KestaIPAddress* pAddress)
 {
-    KESTA_DEBUG1("In KestaIPv6Address::operator>=()", 3);
+    KESTA_DEBUG1("In KestaIPv6Address::operator>=()", iTraceLevel);
     return compareTwoIPv6Addresses(asIPv6(pAddress->viewSockAddress())) >= 0;
 }
 
-bool KestaIPv6Address::operator==(const KestaIPAddress* pAddress) const
+bool KestaIPv6Address::operator==(KestaIPAddress* pAddress)
 {
-    KESTA_DEBUG1("In KestaIPv6Address::operator==()", 3);
+    KESTA_DEBUG1("In KestaIPv6Address::operator==()", iTraceLevel);
     return compareTwoIPv6Addresses(asIPv6(pAddress->viewSockAddress())) == 0;
 }
 
 int KestaIPv6Address::compareTwoIPv6Addresses(const sockaddr_in6* other) const
 {
-    KESTA_DEBUG1("In KestaIPv6Address::compareTwoIPv6Addresses() ", 3);
-    int iResult = 0;
-    if (other != nullptr)
-        iResult = threeWay(number<sockaddr_in6>(), numberOf(*other));
-    KESTA_DEBUG1("Out KestaIPv6Address::compareTwoIPv6Addresses() ", 3);
-    return iResult;
+    const auto number = KestaAddressNumber::in<KestaIPv6Number>(m_binIPAddress);
+    return compareIPv6(number,
+                       other == nullptr ? number : KestaAddressNumber::of(other->sin6_addr));
 }
 
 bool KestaIPv6Address::CheckUnAllowedIPv6AddressTypes(const sockaddr_in6* sa)
 {
-    KESTA_DEBUG1("KestaIPv6Address::CheckUnAllowedIPv6AddressTypes(): Entered", 3);
+    KESTA_DEBUG1("KestaIPv6Address::CheckUnAllowedIPv6AddressTypes(): Entered", iTraceLevel);
     const in6_addr& address = sa->sin6_addr;
-    // The loopback flag is left out on purpose. The two lines below name the IPv4 check, and are
-    // to go on doing so: readers of the log look for them.
+    // Both on purpose: the loopback flag is left out, and the two result lines name the IPv4 check.
     if ((m_bIPv6LinkLocal && isLinkLocal(address)) || (m_bIPv6SiteLocal && isSiteLocal(address)) ||
         (m_bIPv6MutliCast && isMulticast(address)) || isIPv4Compatible(address) ||
         isUnspecified(address))
     {
-        KESTA_DEBUG1("KestaIPv6Address::CheckUnAllowedIPv4AddressTypes(): Returing true", 3);
+        KESTA_DEBUG1("KestaIPv6Address::CheckUnAllowedIPv4AddressTypes(): Returing true",
+                     iTraceLevel);
         return true;
     }
-    KESTA_DEBUG1("KestaIPv6Address::CheckUnAllowedIPv4AddressTypes(): Returing false", 3);
+    KESTA_DEBUG1("KestaIPv6Address::CheckUnAllowedIPv4AddressTypes(): Returing false", iTraceLevel);
     return false;
 }

@@ -47,7 +47,8 @@ int openFlags(const CKestaString& strMode)
     }
 }
 
-/// Opens a regular file or a character device, without ever waiting for it; -1 when that fails.
+/// Opens a regular file or a character device; -1 when that fails. Neither this nor a write ever
+/// waits: a terminal whose output is stopped loses lines, as a full disk does.
 int openFile(const char* pszPath, int iFlags)
 {
     if (iFlags == -1)
@@ -63,18 +64,25 @@ int openFile(const char* pszPath, int iFlags)
         close(iLow);
     }
     struct stat status = {};
-    if (iFile >= 0 && fstat(iFile, &status) == 0 && S_ISREG(status.st_mode))
-        return iFile;   // which no write ever waits for
-    if (iFile >= 0 && S_ISCHR(status.st_mode) && fcntl(iFile, F_SETFL, iFlags) == 0)
+    if (iFile < 0 ||
+        (fstat(iFile, &status) == 0 && (S_ISREG(status.st_mode) || S_ISCHR(status.st_mode))))
         return iFile;
-    if (iFile >= 0)
-        close(iFile);
+    close(iFile);
     return -1;
 }
 
 bool isSameFile(const struct stat& left, const struct stat& right)
 {
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+}
+
+/// True also for a file that could not be opened.
+bool isStillAt(int iFile, const CKestaString& strPath)
+{
+    struct stat own;
+    struct stat found;
+    return fstat(iFile, &own) != 0 ||
+           (stat(strPath.c_str(), &found) == 0 && isSameFile(own, found));
 }
 
 bool isLarger(const CKestaString& strPath, long lLimit)
@@ -155,16 +163,23 @@ void CKestaLineFile::rollOver(const CKestaString& strPath, const CKestaString& s
                               long lLimit)
 {
     const CKestaNoCancellation noCancellation;
-    // Looked at twice: the lock is seldom needed. It is not waited for, because who holds it is
-    // rolling this very file over.
-    if (isLarger(strPath, lLimit) &&
-        (flock(m_iFile, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK))
-    {
-        if (isLarger(strPath, lLimit) && !isRolledOver(strPath, strNewPath))
-            std::rename(strPath.c_str(), strNewPath.c_str());
-        flock(m_iFile, LOCK_UN);   // a forked child may have the file open, too, and keep the lock
-    }
+    if (isLarger(strPath, lLimit))
+        renameLocked(strPath, strNewPath, lLimit);
     close();
+}
+
+// The lock is that of the file to be renamed, which need not be this one. It is not waited for: who
+// holds it is rolling that very file over.
+void CKestaLineFile::renameLocked(const CKestaString& strPath, const CKestaString& strNewPath,
+                                  long lLimit) const
+{
+    const int iFound = ::open(strPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    const bool bLocked = flock(iFound, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+    if (bLocked && isLarger(strPath, lLimit) && isStillAt(iFound, strPath) &&
+        !isRolledOver(strPath, strNewPath))
+        std::rename(strPath.c_str(), strNewPath.c_str());
+    if (iFound >= 0)
+        ::close(iFound);
 }
 
 // Another process may have been first: then the file at the path has not grown yet, and renaming it

@@ -58,7 +58,8 @@ bool CKestaSettingsReader::next(CKestaSetting& setting)
         const CKestaKeyValue found(line);
         if (!found.bFound)
             continue;
-        if (found.value.has_value())
+        setting.bTakenOver = !found.value.has_value();
+        if (!setting.bTakenOver)
             m_ulValue = found.value->copy(m_szValue, sizeof m_szValue);
         setting.key = found.key;   // wherever it stands: the header opens nothing
         setting.value = std::string_view(m_szValue, m_ulValue);

@@ -25,8 +25,9 @@ struct CKestaSetting
 {
     unsigned long ulLine = 0;   // in the file, counted from 1
     bool bCut = false;          // the line is too long to be read as one
+    bool bTakenOver = false;    // the line ends with its first "=": the value is of an earlier line
     std::string_view key;
-    std::string_view value;   // what an earlier line left, when this one ends with its first "="
+    std::string_view value;
 };
 
 /// Reads the settings of a configuration file, in their order, without allocating anything.

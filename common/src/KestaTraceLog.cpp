@@ -5,7 +5,6 @@
 #include "KestaHostSetup.h"
 #include "KestaProcess.h"
 
-#include <cstdint>
 #include <limits>
 #include <utility>
 
@@ -17,12 +16,6 @@ constexpr char szOldLogName[] = "/KestaDebugOld_C.log";
 constexpr char szDefaultDirectory[] = "log";   // below the data directory
 
 constexpr long lNothing = std::numeric_limits<long>::min();   // below every level
-
-// The size limit in bytes: decimal thousands, in 32-bit arithmetic that wraps.
-std::int32_t sizeLimit(int iDebugSize)
-{
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(iDebugSize) * 1000u);
-}
 
 }   // namespace
 

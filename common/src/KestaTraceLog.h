@@ -42,7 +42,7 @@ public:
     /// nothing to a log that is not set up.
     void end();
 
-    /// The same for a log that another process goes on with: it is not rolled over.
+    /// Like `end`, but without rolling over: another process still uses the log.
     void abandon();
 
     /// Turns the switch on or off.

@@ -1,0 +1,91 @@
+#include "support.h"
+
+#include "KestaIPRangeSet.h"
+
+#include <cstdio>
+#include <random>
+
+/// The first of the ranges that holds an address, asked one by one.
+static long firstOf(const std::vector<KestaIPRange>& ranges, const KestaIPAddress& address)
+{
+    const int family = address.viewSockAddress().ss_family == AF_INET6 ? 6 : 4;
+    for (std::size_t i = 0; i < ranges.size(); ++i)
+        if (ranges[i].getAddressFamily() == family && ranges[i].isMember(&address))
+            return static_cast<long>(i);
+    return -1;
+}
+
+// Ranges that touch, overlap and hold each other, close together and far apart.
+static std::string randomRange(std::mt19937& random)
+{
+    static const char* const formats[] = {"10.1.%u.*", "10.%u.*.*", "10.1.%u.%u", "%u.%u.*.*",
+        "255.255.255.%u", "2001:db8:%x*", "2001:db8::%x:%x", "2001:%x::/32", "%x%x*"};
+    char text[64];
+    std::snprintf(text, sizeof text, formats[random() % std::size(formats)],
+        1 + unsigned(random() % 200), unsigned(random() % 200));
+    return text;
+}
+
+static std::string randomAddress(std::mt19937& random)
+{
+    static const char* const formats[] = {"10.1.%u.%u", "10.%u.0.%u", "%u.%u.255.255",
+        "255.255.255.%u", "2001:db8::%x:%x", "2001:db8:%x00::%x", "2001:%x:%x::", "%x:%x::"};
+    char text[64];
+    std::snprintf(text, sizeof text, formats[random() % std::size(formats)],
+        unsigned(random() % 202), unsigned(random() % 202));
+    return text;
+}
+
+TEST(RangeSet, AnswersAsItsRangesDo)
+{
+    setExclusions(false, false, false);
+    std::mt19937 random(1);
+    for (const std::size_t count : {0U, 1U, 2U, 10U, 100U, 3000U})
+    {
+        KestaIPRangeSet set;
+        std::vector<KestaIPRange> ranges;
+        while (ranges.size() < count)
+        {
+            ranges.emplace_back(randomRange(random));
+            EXPECT_EQ(set.add(ranges.back()), ranges.size() - 1);
+            if (random() % count == 0)
+                set.build();   // and go on
+        }
+        set.build();
+        EXPECT_EQ(set.size(), count);
+        for (int i = 0; i < 500; ++i)
+        {
+            const std::string text = randomAddress(random);
+            sockaddr_storage socket = socketOf(text);
+            const bool is6 = socket.ss_family == AF_INET6;
+            KestaIPv4Address address("1.1.1.1");   // whose class does not matter
+            address.setSockAddress(socket);
+            const long want = firstOf(ranges, address);
+            const auto& in = reinterpret_cast<const sockaddr_in&>(socket).sin_addr;
+            const auto& in6 = reinterpret_cast<const sockaddr_in6&>(socket).sin6_addr;
+            EXPECT_EQ(set.indexOf(&address), want) << text << " of " << count;
+            EXPECT_EQ(is6 ? set.indexOf(in6) : set.indexOf(in), want) << text;
+            EXPECT_EQ(set.isMember(&address), want >= 0) << text;
+            EXPECT_EQ(is6 ? set.isMember(in6) : set.isMember(in), want >= 0) << text;
+        }
+    }
+}
+
+TEST(RangeSet, IsAskedWhenBuilt)
+{
+    const std::string unbuilt = "! KestaIPRangeSet: build() must be called before the set is asked";
+    const KestaIPv4Address low("0.0.0.1"), high("255.255.255.255");
+    KestaIPRangeSet set;
+    EXPECT_TRUE(set.isEmpty());
+    EXPECT_EQ(errorOf([&] { set.isMember(&low); }), unbuilt);
+    set.build();
+    EXPECT_EQ(set.indexOf(&low), -1);
+    EXPECT_EQ(set.add(KestaIPRange()), 0u) << "which holds nothing";
+    EXPECT_EQ(set.add(KestaIPRange("255.255.255.*")), 1u);
+    EXPECT_EQ(errorOf([&] { set.indexOf(&high); }), unbuilt);
+    set.build();
+    KestaIPRangeSet moved(std::move(set));
+    EXPECT_EQ(std::tuple(moved.indexOf(&low), moved.indexOf(&high), moved.indexOf(nullptr)),
+        std::tuple(-1L, 1L, -1L));
+    EXPECT_FALSE(moved.isEmpty());
+}

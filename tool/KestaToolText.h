@@ -1,0 +1,20 @@
+#ifndef KESTA_TOOL_TEXT_H
+#define KESTA_TOOL_TEXT_H
+
+#include <string>
+#include <string_view>
+
+/// A text with everything that a terminal would act on, and every byte that is not of UTF-8,
+/// written as \x and two digits; except for the `kept` ones.
+std::string printable(std::string_view text, std::string_view kept = {});
+
+/// A text between single quotes.
+std::string inQuotes(std::string_view text);
+
+/// A text without the white space around it.
+std::string_view withoutBlanks(std::string_view text);
+
+/// The mark that some editors put at the start of a file.
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+#endif
