@@ -3,6 +3,7 @@
 
 #include "KestaExport.h"
 #include "KestaString.h"
+#include "KestaTextDetail.h"
 
 #include <string_view>
 #include <type_traits>
@@ -101,7 +102,7 @@ private:
     static auto textOf(const T& text)
     {
         if constexpr (std::is_convertible_v<const T&, std::string_view>)
-            return CKestaString::viewOf(text);
+            return KestaTextDetail::viewOf(text);
         else
             return CKestaString(text);
     }

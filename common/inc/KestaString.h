@@ -2,6 +2,7 @@
 #define KESTA_STRING_H
 
 #include "KestaExport.h"
+#include "KestaTextDetail.h"
 
 #include <cstddef>
 #include <string>
@@ -45,7 +46,7 @@ public:
     CKestaString() = default;
 
     /// A copy of a NUL-terminated text.
-    CKestaString(const char* psztemp) : std::string(viewOf(psztemp)) {}
+    CKestaString(const char* psztemp) : std::string(KestaTextDetail::viewOf(psztemp)) {}
 
     /// A copy of a `std::string` up to its first NUL byte.
     template <class T, std::enable_if_t<isStdString<T>, int> = 0>
@@ -89,7 +90,10 @@ public:
     CKestaString operator+(T&& text) const
     {
         CKestaString strResult(*this);
-        strResult.append(viewOf(text));
+        if constexpr (std::is_same_v<TDecayed, char>)
+            strResult.push_back(text);
+        else
+            strResult.append(KestaTextDetail::viewOf(text));
         return strResult;
     }
 
@@ -115,9 +119,9 @@ public:
     bool operator==(const T& text) const
     {
         if constexpr (std::is_class_v<T>)
-            return std::string_view(*this) == viewOf(text);
+            return std::string_view(*this) == KestaTextDetail::viewOf(text);
         else
-            return upToNul(*this) == viewOf(text);
+            return KestaTextDetail::upToNul(*this) == KestaTextDetail::viewOf(text);
     }
 
     /// True when the two texts are the same up to their first NUL bytes; with `bCase_Flag` false,
@@ -167,7 +171,7 @@ public:
     template <class T, std::enable_if_t<isText<T>, int> = 0>
     bool getNextToken(CKestaString& result, const T& strd) const
     {
-        return nextToken(result, viewOf(strd));
+        return nextToken(result, KestaTextDetail::viewOf(strd));
     }
 
     /// The number that the text begins with, as `atoi` reads it; 0 when there is none.
@@ -187,24 +191,6 @@ public:
     CKestaString removeSpaces();
 
 private:
-    friend class CKestaConfiguration;
-    friend class CKestaDebug;
-
-    static std::string_view viewOf(std::string_view text) { return text; }
-    static std::string_view viewOf(const char& cText) { return std::string_view(&cText, 1); }
-    static std::string_view viewOf(const char* pszText)
-    {
-        if (pszText == nullptr)
-            refuseNull();
-        return pszText;
-    }
-    static std::string_view upToNul(std::string_view text)
-    {
-        return text.substr(0, text.find('\0'));
-    }
-    [[noreturn]] static void refuseNull();
-
-    static std::string_view trimmed(std::string_view text);
     bool nextToken(CKestaString& result, std::string_view delimiter) const;
     void renew(std::string_view text);
 

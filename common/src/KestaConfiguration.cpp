@@ -55,9 +55,9 @@ struct CKestaConfiguration::CKeyValue
             return;
         const std::size_t ulKeyEnd = line.find('=');
         const std::string_view rest = line.substr(ulKeyEnd + 1);
-        key = CKestaString::trimmed(line.substr(0, ulKeyEnd));
+        key = KestaTextDetail::trimmed(line.substr(0, ulKeyEnd));
         if (!rest.empty())
-            value = CKestaString::trimmed(rest.substr(0, rest.find('=')));
+            value = KestaTextDetail::trimmed(rest.substr(0, rest.find('=')));
     }
 
     bool bFound;
@@ -102,7 +102,7 @@ int CKestaConfiguration::CFindings::read(const CKestaString& strPath)
     bool bSectionFound = false;
     while (std::fgets(szPiece, sizeof szPiece, pFile.get()) != nullptr)
     {
-        const std::string_view line = CKestaString::trimmed(szPiece);
+        const std::string_view line = KestaTextDetail::trimmed(szPiece);
         if (line.empty() || line.front() == '#')
             continue;
         if (!bSectionFound && line == "[DEBUGINFORMATION]")

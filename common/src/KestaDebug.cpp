@@ -160,11 +160,11 @@ void CKestaDebug::writeTrace(std::string_view itemType, std::string_view source,
     std::string strLine;
     strLine.reserve(itemType.size() + source.size() + message.size() + ulPunctuation);
     strLine += '[';
-    strLine += CKestaString::upToNul(itemType);
+    strLine += KestaTextDetail::upToNul(itemType);
     strLine += "]:";
-    strLine += CKestaString::upToNul(source);
+    strLine += KestaTextDetail::upToNul(source);
     strLine += ':';
-    strLine += CKestaString::upToNul(message);
+    strLine += KestaTextDetail::upToNul(message);
     strLine += '\n';
     m_File.writeLine(std::move(strLine));
 }

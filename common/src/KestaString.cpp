@@ -6,16 +6,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <stdexcept>
+
+using KestaTextDetail::upToNul;
+using KestaTextDetail::viewOf;
 
 namespace
 {
-
-// White space of the "C" locale, whatever locale the host has set.
-bool isSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
 
 char lowered(char c)
 {
@@ -78,11 +74,6 @@ CKestaString::CKestaString(double dval)
 CKestaString::CKestaString(bool bval) : std::string(bval ? "True" : "False") {}
 
 CKestaString::~CKestaString() = default;
-
-void CKestaString::refuseNull()
-{
-    throw std::logic_error("CKestaString: a null pointer is no text");
-}
 
 CKestaString& CKestaString::operator=(const CKestaString& strparam)
 {
@@ -177,28 +168,18 @@ double CKestaString::toDouble() const
     return std::atof(c_str());
 }
 
-// The text up to its first NUL byte, without the white space at its ends.
-std::string_view CKestaString::trimmed(std::string_view text)
-{
-    text = upToNul(text);
-    while (!text.empty() && isSpace(text.back()))
-        text.remove_suffix(1);
-    while (!text.empty() && isSpace(text.front()))
-        text.remove_prefix(1);
-    return text;
-}
-
 CKestaString CKestaString::trim()
 {
     if (!empty())
-        renew(trimmed(*this));
+        renew(KestaTextDetail::trimmed(*this));
     return *this;
 }
 
 CKestaString CKestaString::removeSpaces()
 {
     char* const pszStart = data();
-    const char* const pszEnd = std::remove_if(pszStart, pszStart + upToNul(*this).size(), isSpace);
+    const char* const pszEnd =
+        std::remove_if(pszStart, pszStart + upToNul(*this).size(), KestaTextDetail::isSpace);
     if (!empty())
         renew(std::string_view(pszStart, static_cast<std::size_t>(pszEnd - pszStart)));
     return *this;
