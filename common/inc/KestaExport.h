@@ -5,4 +5,7 @@
 /// library is compiled with `-fvisibility=hidden`.
 #define KESTA_API __attribute__((visibility("default")))
 
+/// Marks what stays hidden within a class that is shown.
+#define KESTA_LOCAL __attribute__((visibility("hidden")))
+
 #endif
