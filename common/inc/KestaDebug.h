@@ -38,6 +38,34 @@ KESTA_API void initialize();
 /// Intended: the mutex is released even when `initialize` did not take it (level 0).
 KESTA_API void unInitialize();
 
+namespace KestaTraceDetail
+{
+
+template <class T>
+constexpr bool isFormatted = std::is_convertible_v<const T&, CKestaString>;
+
+// A host's class that converts to a CKestaString is traced as that, whatever else it converts to.
+template <class T>
+constexpr bool isUsedInPlace = std::is_convertible_v<const T&, std::string_view> &&
+                               (std::is_pointer_v<T> || std::is_same_v<T, std::string> ||
+                                std::is_same_v<T, std::string_view> ||
+                                std::is_convertible_v<const T*, const CKestaString*> ||
+                                !isFormatted<T>);
+
+template <class T>
+constexpr bool isTraceable = isFormatted<T> || isUsedInPlace<T>;
+
+template <class T>
+constexpr bool isObject = std::is_class_v<T> || std::is_union_v<T>;
+
+template <class T>
+using IfObject = std::enable_if_t<isTraceable<T> && isObject<T>, int>;
+
+template <class T>
+using IfValue = std::enable_if_t<isTraceable<T> && !isObject<T>, int>;
+
+}   // namespace KestaTraceDetail
+
 /// The trace log. Everything is static and process-wide.
 ///
 /// A line is "[" item type "]:" source ":" message and a newline. It is written when the switch is
@@ -86,7 +114,7 @@ public:
     /// The whole of `KESTA_DEBUG1` and `KESTA_DEBUG2`: makes texts of its arguments, which a call
     /// does only when the line is to be traced.
     template <class TSource, class TMessage>
-    static void trace(const TSource& source, const TMessage& message)
+    static void trace(const TSource& source, const TMessage& message, int /*iLevel*/)
     {
         writeTrace("MSG", textOf(source), textOf(message));
     }
@@ -97,14 +125,16 @@ private:
         return m_strEnabled.size() == 1 && (m_strEnabled[0] == 'Y' || m_strEnabled[0] == 'y');
     }
 
-    // Whatever is text is looked at where it stands; the rest becomes a CKestaString.
     template <class T>
     static auto textOf(const T& text)
     {
-        if constexpr (std::is_convertible_v<const T&, std::string_view>)
+        if constexpr (KestaTraceDetail::isUsedInPlace<T>)
             return KestaTextDetail::viewOf(text);
         else
-            return CKestaString(text);
+        {
+            CKestaString strText = text;   // converts as passing the argument would
+            return strText;
+        }
     }
 
     static void loadSettings(const CKestaString& strFilePath);
@@ -123,26 +153,84 @@ private:
 
 /// Traces a message of the library itself, item type "MSG" and source "FH", at a level.
 ///
-/// The message is anything that a `CKestaString` can be made of. While the line is not to be traced
-/// the call costs a test: nothing is made, nothing is allocated. A null pointer is refused, with
+/// The message is anything that converts to a `CKestaString`: texts, numbers (a single `char` too:
+/// 'c' is written as 99), objects of the host. While the line is not to be traced a call costs a
+/// test: nothing is converted, nothing is allocated. A null pointer is refused, with
 /// `std::logic_error`, only when the line is to be traced.
 ///
 ///     KESTA_DEBUG1("x", 1);   // [MSG]:FH:x
-template <class TMessage = CKestaString>
-inline void KESTA_DEBUG1(const TMessage& message, int iLevel)
-{
-    if (CKestaDebug::isTraced(iLevel))
-        CKestaDebug::trace("FH", message);
-}
+KESTA_API void KESTA_DEBUG1(CKestaString strMessage, int iLevel);
 
-/// Traces a message of a source, item type "MSG", at a level.
+/// Traces a message of a source, item type "MSG", at a level; otherwise like `KESTA_DEBUG1`.
 ///
 ///     KESTA_DEBUG2("Acme::start()", "ready", 3);   // [MSG]:Acme::start():ready
-template <class TSource = CKestaString, class TMessage = CKestaString>
-inline void KESTA_DEBUG2(const TSource& source, const TMessage& message, int iLevel)
+KESTA_API void KESTA_DEBUG2(CKestaString strSource, CKestaString strMessage, int iLevel);
+
+// A call goes to the overloads below, which convert nothing before the test. The name alone is the
+// function above: pointers, std::function, std::bind and std::thread take it.
+#define KESTA_DEBUG1(...) kestaDebug1(__VA_ARGS__)
+#define KESTA_DEBUG2(...) kestaDebug2(__VA_ARGS__)
+
+// The templates take objects by reference and everything else by value: a class constant need not
+// be defined, a bit-field and a packed member have no reference. The first function takes the rest:
+// arguments in braces, and objects that convert only while they are not const. A host's own
+// overload for a type of its own wins over all of them.
+inline void kestaDebug1(CKestaString strMessage, int iLevel)
 {
     if (CKestaDebug::isTraced(iLevel))
-        CKestaDebug::trace(source, message);
+        CKestaDebug::trace("FH", strMessage, iLevel);
+}
+
+template <class TMessage, KestaTraceDetail::IfObject<TMessage> = 0>
+inline void kestaDebug1(const TMessage& message, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace("FH", message, iLevel);
+}
+
+template <class TMessage, KestaTraceDetail::IfValue<TMessage> = 0>
+inline void kestaDebug1(TMessage message, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace("FH", message, iLevel);
+}
+
+inline void kestaDebug2(CKestaString strSource, CKestaString strMessage, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace(strSource, strMessage, iLevel);
+}
+
+template <class TSource, class TMessage, KestaTraceDetail::IfObject<TSource> = 0,
+          KestaTraceDetail::IfObject<TMessage> = 0>
+inline void kestaDebug2(const TSource& source, const TMessage& message, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace(source, message, iLevel);
+}
+
+template <class TSource, class TMessage, KestaTraceDetail::IfObject<TSource> = 0,
+          KestaTraceDetail::IfValue<TMessage> = 0>
+inline void kestaDebug2(const TSource& source, TMessage message, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace(source, message, iLevel);
+}
+
+template <class TSource, class TMessage, KestaTraceDetail::IfValue<TSource> = 0,
+          KestaTraceDetail::IfObject<TMessage> = 0>
+inline void kestaDebug2(TSource source, const TMessage& message, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace(source, message, iLevel);
+}
+
+template <class TSource, class TMessage, KestaTraceDetail::IfValue<TSource> = 0,
+          KestaTraceDetail::IfValue<TMessage> = 0>
+inline void kestaDebug2(TSource source, TMessage message, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace(source, message, iLevel);
 }
 
 #endif

@@ -137,9 +137,11 @@ void CKestaDebug::logMessage(const CKestaExc& refException)
 {
     constexpr int iExceptionLevel = 1;
     if (isTraced(iExceptionLevel))
-        writeTrace("EXC", refException.GetErrorSource(),
-                   CKestaString(refException.GetErrorNumber()) + "," +
-                       refException.GetErrorMessage());
+    {
+        const CKestaString strSource = refException.GetErrorSource();
+        const CKestaString strNumber(refException.GetErrorNumber());
+        writeTrace("EXC", strSource, strNumber + "," + refException.GetErrorMessage());
+    }
 }
 
 void CKestaDebug::enable(bool bEnable)
@@ -169,7 +171,12 @@ void CKestaDebug::writeTrace(std::string_view itemType, std::string_view source,
     m_File.writeLine(std::move(strLine));
 }
 
-// For hosts that look the two up by name; the header's calls are compiled into their callers.
-template KESTA_API void KESTA_DEBUG1(const CKestaString& message, int iLevel);
-template KESTA_API void KESTA_DEBUG2(const CKestaString& source, const CKestaString& message,
-                                     int iLevel);
+void(KESTA_DEBUG1)(CKestaString strMessage, int iLevel)
+{
+    KESTA_DEBUG1(strMessage, iLevel);
+}
+
+void(KESTA_DEBUG2)(CKestaString strSource, CKestaString strMessage, int iLevel)
+{
+    KESTA_DEBUG2(strSource, strMessage, iLevel);
+}
