@@ -1,6 +1,6 @@
 #include "bench.h"
 
-#include "KestaDebug.h"
+#include "KestaEntry.h"
 #include "KestaHostSetup.h"
 
 #include <filesystem>
@@ -138,14 +138,13 @@ const Form forms[] = {{"plain", 52813, "", "\n"},
 class KestaLog
 {
 public:
-    explicit KestaLog(const Form&) { initialize(); }
-    ~KestaLog() { unInitialize(); }
-
-    KestaLog(const KestaLog&) = delete;
-    KestaLog& operator=(const KestaLog&) = delete;
+    explicit KestaLog(const Form&) {}
 
     static std::string path() { return installation().log(); }
     void write() { KESTA_DEBUG1(message, level); }
+
+private:
+    CKestaEntry m_entry;
 };
 
 class BareLog
@@ -237,10 +236,7 @@ void addEntries()
             {
                 installation().configure(level);
                 for (auto _ : state)
-                {
-                    initialize();
-                    unInitialize();
-                }
+                    const CKestaEntry entry;
             });
     measure("an entry, tracing on", "floor",
             [](benchmark::State& state)

@@ -2,7 +2,7 @@
 // the log. The program makes the installation in a temporary directory, traces into it, and reads
 // it back.
 
-#include "KestaDebug.h"
+#include "KestaEntry.h"
 #include "KestaHostSetup.h"
 
 #include <cstdlib>
@@ -25,11 +25,10 @@ std::string cipher(const std::string& line)
 
 void work()
 {
-    initialize();
+    const CKestaEntry entry;
     KESTA_DEBUG2("Host::work()", "level 1: the host's own line", 1);
     KESTA_DEBUG1("level 2: the configured one", 2);
     KESTA_DEBUG1("level 3: too detailed for this configuration", 3);
-    unInitialize();
 }
 
 }   // namespace
@@ -43,8 +42,9 @@ int main()
     std::ofstream(home / "conf" / "KestaDebug.ini")
         << "[DEBUGINFORMATION]\nDEBUG=Y\nDEBUGLEVEL=2\nDEBUGSIZE=500\n";
 
-    CKestaHostSetup::setParameter(1, home.string() + "/");   // conf/ is below it
-    CKestaHostSetup::setParameter(2, home.string() + "/");   // log/ is below it
+    const std::string here = home.string() + "/";
+    CKestaHostSetup::setParameter(CKestaHostSetup::KESTA_INSTALLED_DIR, here);   // of conf/
+    CKestaHostSetup::setParameter(CKestaHostSetup::KESTA_DATA_DIR, here);        // of log/
     CKestaHostSetup::setLineCipher(cipher);
     work();
 

@@ -1,7 +1,7 @@
 // The library's typical request: which addresses lie inside a range? The arguments name them;
 // without any, they are this host's own that may be used.
 
-#include "KestaDebug.h"
+#include "KestaEntry.h"
 #include "KestaException.h"
 #include "KestaIPRange.h"
 #include "KestaIPUtilities.h"
@@ -44,17 +44,15 @@ void answer(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    initialize();   // one unit of work, traced if the configuration says so
-    int status = 0;
+    const CKestaEntry entry;   // one unit of work, traced if the configuration says so
     try
     {
         answer(argc, argv);
+        return 0;
     }
     catch (const CKestaExc& exc)
     {
         std::cout << exc.GetErrorMessage() << '\n';
-        status = 2;
+        return 2;
     }
-    unInitialize();   // also after a failure
-    return status;
 }

@@ -4,12 +4,27 @@
 
 #include <atomic>
 #include <new>
+#include <set>
 
 static std::atomic<int> allocations{0};
+
+/// The allocation that fails, counted from now on, and whether all after it do, too.
+static struct
+{
+    int next = 0;   // 0: none
+    bool lasting = false;
+    bool happened = false;
+} failure;
 
 void* operator new(std::size_t size)
 {
     ++allocations;
+    if (failure.next > 0 && --failure.next == 0)
+    {
+        failure.happened = true;
+        failure.next = failure.lasting ? 1 : 0;
+        throw std::bad_alloc();
+    }
     if (void* memory = std::malloc(size))
         return memory;
     throw std::bad_alloc();
@@ -18,6 +33,35 @@ void* operator new(std::size_t size)
 void operator delete(void* memory) noexcept { std::free(memory); }
 
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+/// What comes of an operation whose n-th allocation fails, for every n that it has.
+template <class Work>
+static std::set<std::string> outcomes(bool lasting, Work work)
+{
+    std::set<std::string> all;
+    for (int n = 1;; ++n)
+    {
+        std::string outcome = "done";
+        failure = {n, lasting, false};
+        try
+        {
+            work();
+        }
+        catch (const std::bad_alloc&)
+        {
+            outcome = "bad_alloc";
+        }
+        catch (const CKestaExc& exc)
+        {
+            failure.next = 0;
+            outcome = exc.GetErrorMessage();
+        }
+        failure.next = 0;
+        if (!failure.happened)
+            return all;
+        all.insert(outcome);
+    }
+}
 
 template <class Work>
 static int countOf(Work work)
@@ -33,6 +77,8 @@ TEST(Allocations, AreAsFewAsPromised)
     EXPECT_EQ(countOf([&] { const CKestaString copy(text); }), 1) << "the counter counts";
 
     EXPECT_EQ(countOf([] { KESTA_DEBUG1("In a rather long trace message", 3); }), 0);
+    EXPECT_EQ(countOf([&] { KESTA_DEBUG1(text, 3); }), 0);
+    EXPECT_EQ(countOf([&] { KESTA_DEBUG2(text, text, 3); }), 0);
     EXPECT_EQ(countOf([&] { KESTA_DEBUG2(text, "a rather long trace message", 3); }), 0);
     EXPECT_EQ(countOf([&] { CKestaDebug::logMessage(text, text, text, 3); }), 0);
 
@@ -53,4 +99,40 @@ TEST(Allocations, AreAsFewAsPromised)
     EXPECT_LE(countOf([&] { removed.removeSpaces(); }), 1);
     EXPECT_EQ(countOf([&] { text.getNextToken(token, ","); }), 0);
     EXPECT_EQ(countOf([&] { text.getNextToken(token, ""); }), 0);
+}
+
+using MemoryTest = TraceFixture;
+
+TEST_F(MemoryTest, MayFailAnywhere)
+{
+    typedef std::set<std::string> Outcomes;
+    configure("DEBUGLEVEL=3\nDEBUGITEMS=" + std::string(100, 'x'));
+    const CKestaString text("10.100.100.100"), longText(std::string(100, 'x'));
+    for (const bool lasting : {false, true})
+    {
+        SCOPED_TRACE(lasting);
+        EXPECT_EQ(outcomes(lasting,
+                      []
+                      {
+                          try
+                          {
+                              initialize();
+                          }
+                          catch (const std::bad_alloc&)
+                          {
+                              EXPECT_EQ(pthread_mutex_trylock(&ghMutex), 0) << "nothing is held";
+                              pthread_mutex_unlock(&ghMutex);
+                              throw;
+                          }
+                          unInitialize();
+                      }),
+            Outcomes{"bad_alloc"});
+        const CKestaEntry entry;
+        EXPECT_EQ(
+            outcomes(lasting, [&] { KESTA_DEBUG2(longText, longText, 3); }), Outcomes{"done"});
+        EXPECT_EQ(outcomes(lasting, [&] { CKestaDebug::logMessage(longText, text, text, 3); }),
+            Outcomes{"done"});
+        KESTA_DEBUG1("still traced", 1);
+    }
+    EXPECT_EQ(messages().back(), "still traced");
 }

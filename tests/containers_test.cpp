@@ -88,14 +88,14 @@ TEST(Map, CursorWaitsForTheAssignment)
 
 TEST(Map, MissingKeys)
 {
-    enum Letter
+    enum class Letter
     {
         b = 66
     };
     const std::string error = "! CKestaMap::get(). KEY=";
     EXPECT_EQ(errorOf([] { Map().get("key"); }), error + "key");
     EXPECT_EQ(errorOf([] { CKestaMap<int, int>().get(256 + 66); }), error + "B");
-    EXPECT_EQ(errorOf([] { CKestaMap<Letter, int>().get(b); }), error + "B");
+    EXPECT_EQ(errorOf([] { CKestaMap<Letter, int>().get(Letter::b); }), error + "B");
 }
 
 struct Item

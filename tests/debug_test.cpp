@@ -64,12 +64,12 @@ TEST_F(DebugTest, RollsOverAboveTheLimitOnly)
     for (const auto& [settings, bytes, rolled] : rows)
     {
         configure(settings);
-        std::ofstream(dir + "log/KestaDebugOld_C.log") << "the old one, replaced";
+        std::ofstream(oldLogPath()) << "the old one, replaced";
         std::ofstream(logPath()) << std::string(bytes, 'x');
         traceLine("not written", 52814);
         EXPECT_EQ(std::filesystem::exists(logPath()), !rolled) << settings << " " << bytes;
-        EXPECT_EQ(fileText(dir + "log/KestaDebugOld_C.log"),
-            rolled ? std::string(bytes, 'x') : "the old one, replaced");
+        EXPECT_EQ(
+            fileText(oldLogPath()), rolled ? std::string(bytes, 'x') : "the old one, replaced");
     }
 }
 
@@ -81,7 +81,7 @@ TEST_F(DebugTest, DirectoriesOfTheLogs)
     EXPECT_EQ(fileText(dir + "conf/KestaDebugOld_C.log"), "[MSG]:FH:x\n");
     configure(old);
     traceLine("y");
-    EXPECT_EQ(fileText(dir + "log/KestaDebugOld_C.log"), "[MSG]:FH:y\n") << "not in DEBUGNEWFILE";
+    EXPECT_EQ(fileText(oldLogPath()), "[MSG]:FH:y\n") << "not in DEBUGNEWFILE";
 }
 
 TEST_F(DebugTest, WarnsOnceForEachEntryWhenTheSwitchIsOn)

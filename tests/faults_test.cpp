@@ -3,8 +3,10 @@
 
 #include "support.h"
 
+#include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 class FaultsTest : public TraceFixture
 {
@@ -13,6 +15,17 @@ protected:
     {
         EXPECT_EQ(std::system(("cd '" + dir + "' && { " + commands + "; }").c_str()), 0)
             << commands;
+    }
+
+    /// A directory that a file can't be renamed into.
+    std::string otherDisk() const
+    {
+        struct stat here, there;
+        EXPECT_EQ(stat(dir.c_str(), &here), 0);
+        for (const char* candidate : {"/dev/shm", "/tmp", "/var/tmp"})
+            if (stat(candidate, &there) == 0 && there.st_dev != here.st_dev)
+                return candidate;
+        return "/proc";
     }
 
     void dropPrivileges() const
@@ -42,16 +55,19 @@ TEST_F(FaultsTest, OfTheFileSystem)
         {"log directory read-only", "", "chmod 555 log", ":", "chmod 755 log", 1, last},
         {"log directory a file", "", "rmdir log; : > log", ":", "rm log; mkdir log", 1, last},
         {"log a directory", "", "mkdir log/KestaDebug_C.log", ":", "rmdir log/*", 1, last},
+        {"log a pipe", "", "mkfifo log/KestaDebug_C.log", ":", "rm log/*", 1, last},
         {"log read-only", "", ": > log/KestaDebug_C.log; chmod 444 log/*", ":", "rm -f log/*", 1,
             last},
         {"disk full", "", "ln -s /dev/full log/KestaDebug_C.log", ":", "rm log/*", 0, last},
-        {"roll-over to another disk", target + "/dev/shm", ":", ":", ":", 0, all},
+        {"roll-over to another disk", target + otherDisk(), ":", ":", ":", 0, all},
         {"roll-over to no directory", target + dir + "x", ":", ":", ":", 0, all},
         {"roll-over read-only", target + dir + "x", "mkdir -m 555 x", ":", ":", 0, all},
         {"roll-over to a directory", target + dir, "mkdir KestaDebugOld_C.log", ":", ":", 0, all},
         {"configuration missing", "", away + ":", ":", back, 0, last},
         {"configuration a directory", "", away + "mkdir " + ini, ":", "rmdir " + ini + "; " + back,
             0, last},
+        {"configuration a pipe", "", away + "mkfifo " + ini, ":", "rm " + ini + "; " + back, 0,
+            last},
         {"configuration unreadable", "", "chmod 0 " + ini, ":", "chmod 600 " + ini, 0, last},
         {"configuration binary", "", away + "head -c 99999 /bin/sh > " + ini, ":", back, 0, last},
         {"log deleted", "", ":", "rm log/*", ":", 0, last},
@@ -68,7 +84,7 @@ TEST_F(FaultsTest, OfTheFileSystem)
                     shell(row.before);
                     testing::internal::CaptureStdout();
                     {
-                        const Entry entry;
+                        const CKestaEntry entry;
                         KESTA_DEBUG1("first", 1);
                         shell(row.amid);
                         KESTA_DEBUG1("amid", 1);
@@ -95,7 +111,7 @@ TEST_F(FaultsTest, FileSizeLimitAmidALine)
                 rlimit limit{std::filesystem::file_size(logPath()) + 10, RLIM_INFINITY};
                 setrlimit(RLIMIT_FSIZE, &limit);
                 {
-                    const Entry entry;
+                    const CKestaEntry entry;
                     KESTA_DEBUG1("no room for this", 1);
                     KESTA_DEBUG1("nor for this", 1);
                     limit.rlim_cur = RLIM_INFINITY;
@@ -105,6 +121,25 @@ TEST_F(FaultsTest, FileSizeLimitAmidALine)
                 traceLine("last");
                 EXPECT_EQ(messages(), (Lines{"first", row.second, "later", "last"}));
             });
+}
+
+TEST_F(FaultsTest, StandardFilesAreClosed)
+{
+    inChild(
+        [&]
+        {
+            const int kept = fcntl(STDERR_FILENO, F_DUPFD, 10);
+            for (const int file : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+                close(file);
+            {
+                const CKestaEntry entry;
+                KESTA_DEBUG1("first", 1);
+                EXPECT_EQ(write(STDOUT_FILENO, "the host's\n", 11), -1);
+                EXPECT_EQ(write(STDIN_FILENO, "the host's\n", 11), -1);
+            }
+            dup2(kept, STDERR_FILENO);
+            EXPECT_EQ(messages(), Lines{"first"});
+        });
 }
 
 TEST_F(FaultsTest, ConfigurationLineOf100MB)

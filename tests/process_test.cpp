@@ -41,46 +41,20 @@ TEST_F(ProcessTest, LinesSurviveSigkill)
             for (initialize();; ++returned)
                 KESTA_DEBUG1(returned.load(), 1);
         }
-        for (const std::size_t enough = random() % 100; returned < enough;)
+        const std::size_t enough = random() % 100;
+        while (returned < enough && waitpid(child, nullptr, WNOHANG) == 0)
             sched_yield();
         usleep(static_cast<useconds_t>(random() % 100));
         kill(child, SIGKILL);
         waitpid(child, nullptr, 0);
 
         const Lines lines = messages();
-        ASSERT_TRUE(lines.size() == returned || lines.size() == returned + 1) << lines.size();
+        ASSERT_GE(lines.size(), returned);
+        ASSERT_LE(lines.size(), returned + 1);
         for (std::size_t i = 0; i < returned; ++i)
             ASSERT_EQ(lines[i], std::to_string(i));
     }
     munmap(shared, 4096);
-}
-
-TEST_F(ProcessTest, ThreadsMakeWholeEntries)
-{
-    constexpr int entries = 40;
-    configure("DEBUGLEVEL=3");
-    traceLine("not written", 4);   // from here on the configuration is only read
-    inThreads(
-        [](int thread)
-        {
-            for (int i = 0; i < entries; ++i)
-            {
-                const Entry entry;
-                for (const char* step : {"a", "b", "c"})
-                    KESTA_DEBUG1(CKestaString(thread) + step + CKestaString(i), 3);
-            }
-        });
-    const Lines lines = messages();
-    ASSERT_EQ(lines.size(), 8u * entries * 3);
-    std::map<char, int> next;
-    for (std::size_t at = 0; at < lines.size(); at += 3)
-    {
-        const char thread = lines[at][0];
-        const std::string number = std::to_string(next[thread]++);
-        for (std::size_t step = 0; step < 3; ++step)
-            ASSERT_EQ(lines[at + step], thread + std::string("abc", step, 1) + number);
-    }
-    EXPECT_EQ(next.size(), 8u);
 }
 
 TEST_F(ProcessTest, ThreadsShareValuesWithTracingOff)
@@ -110,21 +84,22 @@ TEST_F(ProcessTest, ThreadsShareValuesWithTracingOff)
 
 TEST_F(ProcessTest, ExecutedProgramsDoNotInheritTheLog)
 {
-    const Entry entry;
-    const auto openFiles = [this](const std::string& of)
+    const CKestaEntry entry;
+    const auto logsOf = [this](const std::string& process)
     {
-        EXPECT_EQ(std::system(("ls -l /proc/" + of + "/fd > " + dir + "files").c_str()), 0);
+        const std::string list = "ls -l /proc/" + process + "/fd | grep -c KestaDebug_C.log";
+        EXPECT_NE(std::system(("cd '" + dir + "'; " + list + " > files").c_str()), -1);
         return fileText(dir + "files");
     };
-    EXPECT_NE(openFiles(std::to_string(getpid())).find("KestaDebug_C.log"), std::string::npos);
-    EXPECT_EQ(openFiles("self").find("KestaDebug_C.log"), std::string::npos);
+    EXPECT_EQ(logsOf(std::to_string(getpid())), "1\n");
+    EXPECT_EQ(logsOf("self"), "0\n");
 }
 
 TEST_F(ProcessTest, ForkedChildrenDoNotTearLines)
 {
     constexpr int count = 500;
     configure("DEBUGLEVEL=3");
-    const Entry entry;
+    const CKestaEntry entry;
     const pid_t child = fork();
     const std::string line(100, child == 0 ? 'c' : 'p');
     for (int i = 0; i < count; ++i)

@@ -1,7 +1,7 @@
 #ifndef KESTA_TESTS_SUPPORT_H
 #define KESTA_TESTS_SUPPORT_H
 
-#include "KestaDebug.h"
+#include "KestaEntry.h"
 #include "KestaException.h"
 #include "KestaHostSetup.h"
 #include "KestaIPv4Address.h"
@@ -78,13 +78,6 @@ catch (const CKestaExc& exc)
     return "! " + exc.GetErrorMessage();
 }
 
-/// An entry into the library.
-struct Entry
-{
-    Entry() { initialize(); }
-    ~Entry() { unInitialize(); }
-};
-
 /// A temporary installation directory, which is the data directory, too. It starts with the plain
 /// log on and large enough never to be rolled over.
 class TraceFixture : public testing::Test
@@ -96,22 +89,26 @@ protected:
         dir = std::string(mkdtemp(name.data())) + "/";
         std::filesystem::create_directories(dir + "conf");
         std::filesystem::create_directories(dir + "log");
-        CKestaHostSetup::setParameter(1, dir);
-        CKestaHostSetup::setParameter(2, dir);
+        CKestaHostSetup::setParameter(CKestaHostSetup::KESTA_INSTALLED_DIR, dir);
+        CKestaHostSetup::setParameter(CKestaHostSetup::KESTA_DATA_DIR, dir);
         setExclusions(false, false, false);
         configure("");
     }
     ~TraceFixture() override { std::filesystem::remove_all(dir); }
 
-    /// Writes the configuration: the defaults, then lines that take their place.
+    /// Writes the configuration: the defaults, then lines that take their place. Whoever reads it
+    /// meanwhile gets the file as it was or as it is then.
     void configure(const std::string& lines) const
     {
-        std::ofstream(dir + "conf/KestaDebug.ini")
+        const std::string file = dir + "conf/KestaDebug.ini";
+        std::ofstream(file + "~")
             << "DEBUG=Y\nDEBUGLEVEL=52813\nDEBUGFILEPATH==\nDEBUGSIZE=1000000\nDEBUGNEWFILE==\n"
             << lines;
+        std::filesystem::rename(file + "~", file);
     }
 
     std::string logPath() const { return dir + "log/KestaDebug_C.log"; }
+    std::string oldLogPath() const { return dir + "log/KestaDebugOld_C.log"; }
     std::string log() const { return fileText(logPath()); }
 
     /// The lines of the log, whichever form it is in, without "[MSG]:FH:".
@@ -119,6 +116,8 @@ protected:
     {
         std::string text = replaced(log(), std::string("\n\0\n", 3), "\n");
         text = replaced(replaced(text, std::string("\0\n", 2), "\n"), "\xFE\xFF", "");
+        if (!text.empty() && text.back() == '\0')
+            text.pop_back();   // of a frame that was torn before its last byte
         return Lines(replaced(text, "[MSG]:FH:", ""));
     }
 
@@ -129,7 +128,7 @@ protected:
         std::filesystem::remove(logPath());
         std::string error;
         {
-            const Entry entry;
+            const CKestaEntry entry;
             error = errorOf(operation);
         }
         return Lines(replaced(log(), "[MSG]:", "")) + Lines(error);
@@ -137,7 +136,7 @@ protected:
 
     void traceLine(const CKestaString& message, int level = 1) const
     {
-        const Entry entry;
+        const CKestaEntry entry;
         KESTA_DEBUG1(message, level);
     }
 
@@ -153,9 +152,11 @@ void inChild(Check check)
     if (child == 0)
     {
         alarm(120);
+        const auto& result = *testing::UnitTest::GetInstance()->current_test_info()->result();
+        const int failedBefore = result.total_part_count();
         check();
         std::fflush(nullptr);
-        _exit(testing::Test::HasFailure() ? 1 : 0);
+        _exit(result.total_part_count() > failedBefore ? 1 : 0);
     }
     int status = -1;
     waitpid(child, &status, 0);

@@ -14,8 +14,7 @@ bool CKestaCommand::isChosen() const
     return m_app.parsed();
 }
 
-void CKestaCommand::addTexts(const char* pszName, std::vector<std::string>& texts,
-                             const char* pszHelp, bool bRequired)
+bool CKestaCommand::has(const char* pszName) const
 {
-    m_app.add_option(pszName, texts, pszHelp)->type_name("")->required(bRequired);
+    return m_app.count(pszName) > 0;
 }

@@ -1,16 +1,12 @@
 #ifndef KESTA_COMMAND_H
 #define KESTA_COMMAND_H
 
-#include <string>
-#include <vector>
-
 namespace CLI
 {
 class App;
 }
 
 class CKestaOutput;
-class KestaIPRange;
 
 /// A subcommand: its constructor tells the command line what it takes.
 class CKestaCommand
@@ -24,7 +20,10 @@ public:
     /// True when the user asks for this command.
     bool isChosen() const;
 
-    /// Does it, within an entry into the library, and returns the exit status.
+    /// True when it runs within an entry into the library, as what the library traces must.
+    virtual bool isEntry() const { return true; }
+
+    /// Does it, and returns the exit status.
     ///
     /// Throws: `CKestaToolError` for what the user is to be told.
     virtual int run(CKestaOutput& output) = 0;
@@ -32,9 +31,8 @@ public:
 protected:
     CKestaCommand(CLI::App& root, const char* pszName, const char* pszHelp, const char* pszFooter);
 
-    /// Adds an argument that takes any number of texts.
-    void addTexts(const char* pszName, std::vector<std::string>& texts, const char* pszHelp,
-                  bool bRequired);
+    /// True when the user gave this option or argument.
+    bool has(const char* pszName) const;
 
     CLI::App& m_app;
 };

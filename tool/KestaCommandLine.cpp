@@ -1,21 +1,22 @@
 #include "KestaCommandLine.h"
 
-#include "KestaDateCommand.h"
+#include "KestaCommands.h"
+#include "KestaDebug.h"
 #include "KestaEntry.h"
-#include "KestaFilterCommand.h"
-#include "KestaHostCommand.h"
+#include "KestaException.h"
 #include "KestaHostSetup.h"
 #include "KestaInput.h"
-#include "KestaLogCommand.h"
 #include "KestaOutput.h"
-#include "KestaRangeCommand.h"
+#include "KestaOutputToError.h"
 #include "KestaToolError.h"
+#include "KestaToolText.h"
 #include "KestaVersion.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 namespace
@@ -42,13 +43,14 @@ public:
         m_root.add_option("--data-dir", m_strDataDir, "The data directory; log/ is below it")
             ->type_name("DIR");
         m_root.set_version_flag("--version", strVersion, "Show the version");
-        m_root.footer("kesta SUBCOMMAND --help tells more. Exit status: 0 yes or done, 1 no, 2 "
-                      "after an error.");
-        m_commands.push_back(std::make_unique<CKestaRangeCommand>(m_root));
-        m_commands.push_back(std::make_unique<CKestaHostCommand>(m_root));
-        m_commands.push_back(std::make_unique<CKestaDateCommand>(m_root));
-        m_commands.push_back(std::make_unique<CKestaLogCommand>(m_root));
-        m_commands.push_back(std::make_unique<CKestaFilterCommand>(m_root));
+        m_root.footer("See 'kesta SUBCOMMAND --help'. Exit status: 0 yes or done, 1 no, 2 after "
+                      "an error.");
+        for (const auto make : {&makeRangeCommand, &makeHostCommand, &makeDateCommand,
+                                &makeLogCommand, &makeFilterCommand})
+            m_commands.push_back(make(m_root));
+        m_pHelp = m_root.add_subcommand("help", "Show the help of a subcommand");
+        m_pHelp->add_option("SUBCOMMAND", m_strHelp, "The subcommand; kesta itself when left out")
+            ->type_name("");
     }
 
     /// Returns the subcommand that the user asks for, or null when everything that was asked for is
@@ -72,8 +74,12 @@ public:
         }
         catch (const CLI::ParseError& error)
         {
-            throw CKestaToolError(whatIsWrong(error) + "; " + chosenName() +
-                                  " --help tells what is right");
+            throw CKestaToolError(whatIsWrong(error) + "; see '" + chosenName() + " --help'");
+        }
+        if (m_pHelp->parsed())
+        {
+            output.write(helpOf(m_strHelp));
+            return nullptr;
         }
         setDirectory("--installed-dir", 1, m_strInstalledDir);
         setDirectory("--data-dir", 2, m_strDataDir);
@@ -89,19 +95,68 @@ private:
             const std::string_view text(argv[i]);
             if (text.size() > 1 && text.front() == '[' && text.back() == ']')
                 throw CKestaToolError("argument " + inQuotes(text) +
-                                      ": an address stands without brackets, and a file of this "
-                                      "name is ./" +
+                                      ": write addresses without brackets; for a file of that "
+                                      "name use ./" +
                                       std::string(text));
         }
     }
 
     std::string whatIsWrong(const CLI::ParseError& error) const
     {
-        const std::vector<std::string> unknown = m_root.remaining();
-        if (!m_root.get_subcommands().empty() || unknown.empty())
-            return error.what();
-        return inQuotes(unknown.front()) + " is no subcommand; there are range, host, date, log "
-                                           "and filter";
+        const std::vector<std::string> unknown = m_root.remaining(true);
+        for (const std::string& strText : unknown)
+        {
+            if (strText.size() > 1 && strText.front() == '-')
+                return "unknown option " + inQuotes(strText);
+        }
+        if (!unknown.empty() && m_root.get_subcommands().empty())
+            return unknownSubcommand(unknown.front());
+        if (!unknown.empty())
+            return "unexpected argument " + inQuotes(unknown.front());
+        return plainly(error);
+    }
+
+    // The parser's own text, but where it is hard to understand.
+    static std::string plainly(const CLI::ParseError& error)
+    {
+        const std::string strText = error.what();
+        const std::size_t ulColon = strText.find(':');
+        if (error.get_name() == "ConversionError")
+            return "invalid value" + strText.substr(ulColon);
+        if (error.get_name() != "ArgumentMismatch")
+            return strText;
+        const bool bMissing = strText.find("missing") != std::string::npos;
+        return strText.substr(0, ulColon) + (bMissing ? ": value missing" : ": given twice");
+    }
+
+    std::string helpOf(const std::string& strName)
+    {
+        const auto isMeant = [&](const CLI::App* pApp)
+        {
+            return pApp->get_name() == strName;
+        };
+        std::vector<CLI::App*> subcommands = m_root.get_subcommands(isMeant);
+        if (strName.empty())
+            subcommands = {&m_root};
+        if (subcommands.empty())
+            throw CKestaToolError(unknownSubcommand(strName) + "; see 'kesta --help'");
+        // Not help() of the application: it shows the help of the subcommand that was parsed.
+        return m_root.get_formatter()->make_help(subcommands.front(),
+                                                 strName.empty() ? "kesta" : "kesta " + strName,
+                                                 CLI::AppFormatMode::Normal);
+    }
+
+    std::string unknownSubcommand(const std::string& strName) const
+    {
+        return "unknown subcommand " + inQuotes(strName) + " (" + subcommandNames() + ")";
+    }
+
+    std::string subcommandNames() const
+    {
+        std::string strNames;
+        for (const CLI::App* pSubcommand : m_root.get_subcommands({}))
+            strNames += (strNames.empty() ? "" : ", ") + pSubcommand->get_name();
+        return strNames;
     }
 
     std::string chosenName() const
@@ -116,7 +171,7 @@ private:
         if (m_root.count(pszOption) == 0)
             return;
         if (strDirectory.empty())
-            throw CKestaToolError(std::string(pszOption) + ": names no directory");
+            throw CKestaToolError(std::string(pszOption) + ": directory is empty");
         if (strDirectory.back() != '/')
             strDirectory += '/';
         if (!CKestaHostSetup::setParameter(iParameter, strDirectory))
@@ -136,11 +191,18 @@ private:
     std::string m_strInstalledDir;
     std::string m_strDataDir;
     std::vector<std::unique_ptr<CKestaCommand>> m_commands;
+    CLI::App* m_pHelp = nullptr;
+    std::string m_strHelp;
 };
 
-int runInEntry(CKestaCommand& command, CKestaOutput& output)
+int run(CKestaCommand& command, CKestaOutput& output)
 {
-    const CKestaEntry entry;
+    std::optional<CKestaEntry> entry;
+    if (command.isEntry())
+    {
+        const CKestaOutputToError redirection;
+        entry.emplace();
+    }
     try
     {
         const int iStatus = command.run(output);
@@ -169,7 +231,7 @@ int runKesta(int argc, char** argv)
         CKestaCommandLine commandLine;
         CKestaCommand* const pCommand = commandLine.parse(argc, argv, output);
         if (pCommand != nullptr)
-            return runInEntry(*pCommand, output);
+            return run(*pCommand, output);
         output.flush();
         return iStatusYes;
     }

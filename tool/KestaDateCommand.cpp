@@ -1,13 +1,12 @@
-#include "KestaDateCommand.h"
-
-#include "KestaDate.h"
+#include "KestaArgument.h"
+#include "KestaCommands.h"
 #include "KestaJson.h"
 #include "KestaTable.h"
 #include "KestaToolError.h"
 
 #include <CLI/CLI.hpp>
 
-#include <charconv>
+#include <climits>
 
 namespace
 {
@@ -18,51 +17,61 @@ constexpr int iLastFormat = CKestaDate::DDMonYYYY;
 constexpr const char* formatNames[] = {"",         "DDMMYY",    "DDMMYYYY", "MMDDYY",
                                        "MMDDYYYY", "MonDDYYYY", "DDMonYYYY"};
 
-template <class TNumber>
-TNumber readNumber(const std::string& strName, const std::string& strText, TNumber lowest,
-                   TNumber highest)
+// The library adds days to the day of the month as wrapping 32-bit numbers: a negative number
+// counts backwards, and the largest ones go by halves.
+CKestaDate later(const CKestaDate& date, int iDays)
 {
-    TNumber number = 0;
-    const char* const pEnd = strText.data() + strText.size();
-    const auto result = std::from_chars(strText.data(), pEnd, number);
-    if (result.ec != std::errc() || result.ptr != pEnd || number < lowest || number > highest)
-        throw CKestaToolError(strName + " " + inQuotes(strText) + ": is no number from " +
-                              std::to_string(lowest) + " to " + std::to_string(highest));
-    return number;
+    const int iHalf = iDays / 2;
+    return date + static_cast<unsigned int>(iHalf) + static_cast<unsigned int>(iDays - iHalf);
 }
 
-// The library reads any text somehow; one without a "/" would give 0/0/0, which nobody means.
-CKestaDate readDate(const std::string& strName, const std::string& strText)
+class CDateCommand : public CKestaCommand
 {
-    if (strText.find('/') == std::string::npos)
-        throw CKestaToolError(strName + " " + inQuotes(strText) +
-                              ": is no month/day/year, such as 2/29/2000");
-    return CKestaDate(strText);
-}
+public:
+    explicit CDateCommand(CLI::App& root);
 
-}   // namespace
+    int run(CKestaOutput& output) override;
 
-CKestaDateCommand::CKestaDateCommand(CLI::App& root)
-    : CKestaCommand(root, "date", "Show a date, and count with it",
-                    "Shows the date in all six formats, or in one of them.\n\nFormats: 1 DDMMYY, 2 "
-                    "DDMMYYYY, 3 MMDDYY, 4 MMDDYYYY, 5 MonDDYYYY, 6 DDMonYYYY")
+private:
+    CKestaDate readDates(long& lDays) const;
+    void print(const CKestaDate& date, CKestaOutput& output) const;
+    void printAsJson(const CKestaDate& date, long lDays, CKestaOutput& output) const;
+    bool isWanted(int iFormat) const;
+
+    std::string m_strDate;
+    std::string m_strPlus;
+    std::string m_strMinus;
+    std::string m_strFormat;
+    int m_iFormat = 0;   // 0: all
+    bool m_bJson = false;
+};
+
+CDateCommand::CDateCommand(CLI::App& root)
+    : CKestaCommand(
+          root, "date", "Print a date; add or subtract days",
+          "Prints the date in all six formats, or in one of them.\n\nFormats: 1 DDMMYY, 2 "
+          "DDMMYYYY, 3 MMDDYY, 4 MMDDYYYY, 5 MonDDYYYY, 6 DDMonYYYY")
 {
     m_app.add_option("TEXT", m_strDate, "The date, month/day/year; today when left out")
         ->type_name("");
-    m_app.add_option("--plus", m_strPlus, "Go on by so many days")->type_name("DAYS");
+    m_app.add_option("--plus", m_strPlus, "Add DAYS days, or subtract them when negative")
+        ->type_name("DAYS");
     CLI::Option* const pMinus =
-        m_app.add_option("--minus", m_strMinus, "Show the days since this date instead")
+        m_app
+            .add_option("--minus", m_strMinus,
+                        "Print the number of days since the date TEXT instead")
             ->type_name("TEXT");
-    m_app.add_option("--format", m_strFormat, "Show this format alone, 1 to 6")
+    m_app.add_option("--format", m_strFormat, "Print this format only, 1 to 6")
         ->type_name("N")
         ->excludes(pMinus);
     m_app.add_flag("--json", m_bJson, "Write JSON");
 }
 
-int CKestaDateCommand::run(CKestaOutput& output)
+int CDateCommand::run(CKestaOutput& output)
 {
     if (has("--format"))
-        m_iFormat = readNumber("--format", m_strFormat, iFirstFormat, iLastFormat);
+        m_iFormat =
+            static_cast<int>(readNumber("--format", m_strFormat, iFirstFormat, iLastFormat));
     long lDays = 0;
     const CKestaDate date = readDates(lDays);
     if (m_bJson)
@@ -74,17 +83,17 @@ int CKestaDateCommand::run(CKestaOutput& output)
     return iStatusYes;
 }
 
-CKestaDate CKestaDateCommand::readDates(long& lDays) const
+CKestaDate CDateCommand::readDates(long& lDays) const
 {
     CKestaDate date = has("TEXT") ? readDate("date", m_strDate) : CKestaDate();
     if (has("--plus"))
-        date = date + readNumber("--plus", m_strPlus, 0u, ~0u);
+        date = later(date, static_cast<int>(readNumber("--plus", m_strPlus, INT_MIN, INT_MAX)));
     if (has("--minus"))
         lDays = static_cast<long>(date - readDate("--minus", m_strMinus));
     return date;
 }
 
-void CKestaDateCommand::print(const CKestaDate& date, CKestaOutput& output) const
+void CDateCommand::print(const CKestaDate& date, CKestaOutput& output) const
 {
     if (m_iFormat != 0)
     {
@@ -98,7 +107,7 @@ void CKestaDateCommand::print(const CKestaDate& date, CKestaOutput& output) cons
     table.print(output);
 }
 
-void CKestaDateCommand::printAsJson(const CKestaDate& date, long lDays, CKestaOutput& output) const
+void CDateCommand::printAsJson(const CKestaDate& date, long lDays, CKestaOutput& output) const
 {
     CKestaJson json = {
         {"month", date.getMonth()}, {"day", date.getDay()}, {"year", date.getYear()}};
@@ -112,12 +121,14 @@ void CKestaDateCommand::printAsJson(const CKestaDate& date, long lDays, CKestaOu
     printJson(json, output);
 }
 
-bool CKestaDateCommand::isWanted(int iFormat) const
+bool CDateCommand::isWanted(int iFormat) const
 {
     return m_iFormat == 0 || m_iFormat == iFormat;
 }
 
-bool CKestaDateCommand::has(const char* pszOption) const
+}   // namespace
+
+std::unique_ptr<CKestaCommand> makeDateCommand(CLI::App& root)
 {
-    return m_app.count(pszOption) > 0;
+    return std::make_unique<CDateCommand>(root);
 }

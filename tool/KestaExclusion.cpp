@@ -3,14 +3,11 @@
 #include "KestaIPv4Address.h"
 #include "KestaIPv6Address.h"
 #include "KestaToolError.h"
+#include "KestaToolText.h"
 
 #include <algorithm>
-#include <iterator>
 #include <string_view>
 #include <vector>
-
-const char szExclusionHelp[] = "Exclude these classes of addresses, parted by commas: loopback, "
-                               "multicast, link-local, site-local";
 
 namespace
 {
@@ -29,18 +26,30 @@ const CAddressClass addressClasses[] = {
     {"site-local", &KestaIPv4Address::m_bIPv4SiteLocal, &KestaIPv6Address::m_bIPv6SiteLocal},
 };
 
+std::string allNames()
+{
+    std::string strNames;
+    for (const CAddressClass& known : addressClasses)
+        strNames += (strNames.empty() ? "" : ", ") + std::string(known.pszName);
+    return strNames;
+}
+
 const CAddressClass& findClass(std::string_view name)
 {
-    const auto itClass =
-        std::find_if(std::begin(addressClasses), std::end(addressClasses),
-                     [name](const CAddressClass& known) { return name == known.pszName; });
-    if (itClass == std::end(addressClasses))
-        throw CKestaToolError("--exclude: no class " + inQuotes(name) +
-                              "; there are loopback, multicast, link-local and site-local");
-    return *itClass;
+    for (const CAddressClass& known : addressClasses)
+    {
+        if (name == known.pszName)
+            return known;
+    }
+    throw CKestaToolError("--exclude: unknown class " + inQuotes(name) + " (" + allNames() + ")");
 }
 
 }   // namespace
+
+std::string exclusionHelp()
+{
+    return "Exclude these classes of addresses, comma-separated: " + allNames();
+}
 
 void excludeClasses(const std::string& strClasses)
 {

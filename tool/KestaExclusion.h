@@ -4,12 +4,12 @@
 #include <string>
 
 /// The help text of --exclude.
-extern const char szExclusionHelp[];
+std::string exclusionHelp();
 
-/// Sets the exclusion flags of both address families by a comma-separated list of the classes
-/// loopback, multicast, link-local and site-local.
+/// Sets the exclusion flags of both address families by a comma-separated list of the classes that
+/// `exclusionHelp` names.
 ///
-/// Throws: `CKestaToolError` for a name that is none of these; no flag is set then.
+/// Throws: `CKestaToolError` for another name; no flag is set then.
 void excludeClasses(const std::string& strClasses);
 
 #endif

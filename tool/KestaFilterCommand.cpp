@@ -1,10 +1,11 @@
-#include "KestaFilterCommand.h"
-
+#include "KestaCommands.h"
 #include "KestaFilterScanner.h"
 #include "KestaInput.h"
 #include "KestaOutput.h"
+#include "KestaProgress.h"
 #include "KestaRangeArgument.h"
 #include "KestaToolError.h"
+#include "KestaToolText.h"
 
 #include <CLI/CLI.hpp>
 
@@ -37,7 +38,7 @@ public:
         constexpr std::size_t ulShown = 64;
         const std::string strShown(text.substr(0, ulShown));
         report(m_strFile + ":" + std::to_string(ullLine) + ": " +
-               inQuotes(strShown + (text.size() > ulShown ? "..." : "")) + " is no address");
+               "not an IP address: " + inQuotes(strShown + (text.size() > ulShown ? "..." : "")));
     }
 
 private:
@@ -48,25 +49,41 @@ private:
 void scan(const std::string& strPath, CKestaFilterScanner& scanner, CFilterSink& sink)
 {
     CKestaInput input(strPath);
+    CKestaProgress progress(input);
     sink.setFile(input.name());
     for (std::string_view bytes = input.read(); !bytes.empty(); bytes = input.read())
     {
         scanner.feed(bytes);
+        progress.advance(bytes.size());
         sink.flush();   // what a slow writer sends is not kept waiting for a whole block
     }
     scanner.finish();
 }
 
-}   // namespace
+class CFilterCommand : public CKestaCommand
+{
+public:
+    explicit CFilterCommand(CLI::App& root);
 
-CKestaFilterCommand::CKestaFilterCommand(CLI::App& root)
+    int run(CKestaOutput& output) override;
+
+private:
+    std::vector<std::string> m_ranges;
+    std::vector<std::string> m_files;
+    bool m_bInvert = false;
+    bool m_bCount = false;
+};
+
+CFilterCommand::CFilterCommand(CLI::App& root)
     : CKestaCommand(
           root, "filter", "Write the lines whose address lies in any of the ranges",
           "Each line begins with an address, which ends at the first white space or comma."
           "\nLines whose address can't be read are reported, and never written.\n\nExit "
           "status: 0 when some line was selected, 1 when none was, 2 after an error")
 {
-    addTexts("RANGE", m_ranges, "The ranges, as \"kesta range\" takes them", true);
+    m_app.add_option("RANGE", m_ranges, "The ranges, as \"kesta range\" takes them")
+        ->type_name("")
+        ->required();
     m_app
         .add_option("-f,--file", m_files,
                     "Read this file instead of standard input; may be given several times")
@@ -76,7 +93,7 @@ CKestaFilterCommand::CKestaFilterCommand(CLI::App& root)
     m_app.add_flag("-c,--count", m_bCount, "Write the number of selected lines only");
 }
 
-int CKestaFilterCommand::run(CKestaOutput& output)
+int CFilterCommand::run(CKestaOutput& output)
 {
     CKestaAddressSet set;
     for (const std::string& strRange : m_ranges)
@@ -106,4 +123,11 @@ int CKestaFilterCommand::run(CKestaOutput& output)
     if (bFailed)
         return iStatusError;
     return scanner.selectedLines() > 0 ? iStatusYes : iStatusNo;
+}
+
+}   // namespace
+
+std::unique_ptr<CKestaCommand> makeFilterCommand(CLI::App& root)
+{
+    return std::make_unique<CFilterCommand>(root);
 }

@@ -3,7 +3,6 @@
 
 #include "KestaAddressSet.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>

@@ -4,6 +4,19 @@
 #include "KestaIPUtilities.h"
 #include "KestaToolError.h"
 
+#include <cerrno>
+
+/// A series of queries of the host.
+class CKestaHostQueries
+{
+public:
+    CKestaHostQueries() { KestaIPUtilities::StartWSA(); }
+    ~CKestaHostQueries() { KestaIPUtilities::EndWSA(); }
+
+    CKestaHostQueries(const CKestaHostQueries&) = delete;
+    CKestaHostQueries& operator=(const CKestaHostQueries&) = delete;
+};
+
 /// The addresses of this host's interfaces, asked for once.
 class CKestaHostAddresses
 {
@@ -11,15 +24,9 @@ public:
     /// Throws: `CKestaToolError` when the system does not tell.
     CKestaHostAddresses()
     {
-        KestaIPUtilities::StartWSA();
         if (KestaIPUtilities::queryHostIP(nullptr, m_ipv6, m_ipv4) != 0)
-            throw CKestaToolError("this host's addresses: the system does not tell them");
+            throw CKestaToolError(systemError("cannot determine the host's addresses", errno));
     }
-
-    ~CKestaHostAddresses() { KestaIPUtilities::EndWSA(); }
-
-    CKestaHostAddresses(const CKestaHostAddresses&) = delete;
-    CKestaHostAddresses& operator=(const CKestaHostAddresses&) = delete;
 
     const CKestaArray<KestaIPv4Address>& ipv4() const { return m_ipv4; }
     const CKestaArray<KestaIPv6Address>& ipv6() const { return m_ipv6; }
@@ -41,6 +48,7 @@ public:
     }
 
 private:
+    CKestaHostQueries m_queries;
     CKestaArray<KestaIPv4Address> m_ipv4;
     CKestaArray<KestaIPv6Address> m_ipv6;
 };

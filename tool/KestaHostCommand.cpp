@@ -1,6 +1,6 @@
-#include "KestaHostCommand.h"
-
+#include "KestaAddressClass.h"
 #include "KestaAddressText.h"
+#include "KestaCommands.h"
 #include "KestaExclusion.h"
 #include "KestaHostAddresses.h"
 #include "KestaJson.h"
@@ -9,7 +9,12 @@
 
 #include <CLI/CLI.hpp>
 
-struct CKestaHostCommand::CHost
+#include <cerrno>
+
+namespace
+{
+
+struct CHost
 {
     struct CEntry
     {
@@ -33,19 +38,17 @@ struct CKestaHostCommand::CHost
             const TAddress& address = all.getAt(u);
             const bool bKept = uKept < kept.size() && textOf(kept.getAt(uKept)) == textOf(address);
             uKept += bKept;
-            entries.push_back({textOf(address), familyOf(address), classOf(address), bKept});
+            entries.push_back(
+                {textOf(address), familyOf(address), classOf(intervalOf(address)), bKept});
         }
     }
 };
 
-namespace
-{
-
 std::string hostName()
 {
-    char szName[1024];
+    char szName[1024];   // as the library asks for
     if (KestaIPUtilities::queryHostName(szName) != 0)
-        throw CKestaToolError("this host's name: the system does not tell it");
+        throw CKestaToolError(systemError("cannot determine the host name", errno));
     return szName;
 }
 
@@ -53,25 +56,38 @@ std::string systemName()
 {
     CKestaString strName;
     if (KestaIPUtilities::setOSName(strName) != 0)
-        throw CKestaToolError("the operating system's name: the system does not tell it");
+        throw CKestaToolError(systemError("cannot determine the operating system's name", errno));
     return strName;
 }
 
-}   // namespace
+class CHostCommand : public CKestaCommand
+{
+public:
+    explicit CHostCommand(CLI::App& root);
 
-CKestaHostCommand::CKestaHostCommand(CLI::App& root)
+    int run(CKestaOutput& output) override;
+
+private:
+    static void print(const CHost& host, CKestaOutput& output);
+    static void printAsJson(const CHost& host, CKestaOutput& output);
+
+    std::string m_strExcluded;
+    bool m_bJson = false;
+};
+
+CHostCommand::CHostCommand(CLI::App& root)
     : CKestaCommand(root, "host", "Show the host's name, system and addresses",
                     "Shows every interface address with its family, its class, and whether the "
                     "filter keeps it.\nThe filter drops loopback addresses always, and the classes "
                     "of --exclude.")
 {
-    m_app.add_option("--exclude", m_strExcluded, szExclusionHelp)->type_name("CLASSES");
+    m_app.add_option("--exclude", m_strExcluded, exclusionHelp())->type_name("CLASSES");
     m_app.add_flag("--json", m_bJson, "Write JSON");
 }
 
-int CKestaHostCommand::run(CKestaOutput& output)
+int CHostCommand::run(CKestaOutput& output)
 {
-    if (m_app.count("--exclude") > 0)
+    if (has("--exclude"))
         excludeClasses(m_strExcluded);
     const CKestaHostAddresses addresses;
     CHost host{hostName(), systemName(), {}};
@@ -84,7 +100,7 @@ int CKestaHostCommand::run(CKestaOutput& output)
     return iStatusYes;
 }
 
-void CKestaHostCommand::print(const CHost& host, CKestaOutput& output)
+void CHostCommand::print(const CHost& host, CKestaOutput& output)
 {
     CKestaTable names;
     names.add(CKestaTable::EColour::plain, {"host", host.strName});
@@ -101,7 +117,7 @@ void CKestaHostCommand::print(const CHost& host, CKestaOutput& output)
     table.print(output);
 }
 
-void CKestaHostCommand::printAsJson(const CHost& host, CKestaOutput& output)
+void CHostCommand::printAsJson(const CHost& host, CKestaOutput& output)
 {
     CKestaJson addresses = CKestaJson::array();
     for (const CHost::CEntry& entry : host.entries)
@@ -111,4 +127,11 @@ void CKestaHostCommand::printAsJson(const CHost& host, CKestaOutput& output)
                              {"kept", entry.bKept}});
     printJson({{"host", host.strName}, {"system", host.strSystem}, {"addresses", addresses}},
               output);
+}
+
+}   // namespace
+
+std::unique_ptr<CKestaCommand> makeHostCommand(CLI::App& root)
+{
+    return std::make_unique<CHostCommand>(root);
 }

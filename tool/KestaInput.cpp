@@ -11,9 +11,9 @@ namespace
 
 constexpr std::size_t ulBlock = 256UL * 1024;
 
-bool isSameFile(const struct stat& left, const struct stat& right)
+CKestaFileId idOf(const struct stat& status)
 {
-    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+    return {status.st_dev, status.st_ino};
 }
 
 int openFile(const std::string& strPath)
@@ -22,6 +22,12 @@ int openFile(const std::string& strPath)
 }
 
 }   // namespace
+
+CKestaFileId CKestaFileId::at(const std::string& strPath)
+{
+    struct stat status;
+    return stat(strPath.c_str(), &status) == 0 ? idOf(status) : CKestaFileId();
+}
 
 CKestaInput::CKestaInput(const std::string& strPath)
     : CKestaInput(strPath == "-" ? "(standard input)" : strPath,
@@ -42,7 +48,7 @@ CKestaInput::CKestaInput(const std::string& strName, int iFile) : m_strName(strN
     if (iFile < 0)
         throw CKestaInputError(systemError(m_strName, errno));
     if (isStandardOutput())
-        throw CKestaInputError(m_strName + ": is standard output, too");
+        throw CKestaInputError(m_strName + ": input file is also the output");
     m_buffer.resize(ulBlock);
 }
 
@@ -58,12 +64,15 @@ std::string_view CKestaInput::read()
     }
 }
 
-bool CKestaInput::isAt(const std::string& strPath) const
+CKestaFileId CKestaInput::id() const
 {
     struct stat own;
-    struct stat other;
-    return fstat(m_file.get(), &own) == 0 && stat(strPath.c_str(), &other) == 0 &&
-           isSameFile(own, other);
+    return fstat(m_file.get(), &own) == 0 ? idOf(own) : CKestaFileId();
+}
+
+void CKestaInput::skip()
+{
+    lseek(m_file.get(), 0, SEEK_END);
 }
 
 bool CKestaInput::rewindIfShortened()
@@ -75,10 +84,18 @@ bool CKestaInput::rewindIfShortened()
     return true;
 }
 
+std::uint64_t CKestaInput::size() const
+{
+    struct stat own;
+    return fstat(m_file.get(), &own) == 0 && S_ISREG(own.st_mode)
+               ? static_cast<std::uint64_t>(own.st_size)
+               : 0;
+}
+
 bool CKestaInput::isStandardOutput() const
 {
     struct stat own;
     struct stat output;
     return fstat(m_file.get(), &own) == 0 && S_ISREG(own.st_mode) &&
-           fstat(STDOUT_FILENO, &output) == 0 && isSameFile(own, output);
+           fstat(STDOUT_FILENO, &output) == 0 && idOf(own) == idOf(output);
 }

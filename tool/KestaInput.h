@@ -4,16 +4,36 @@
 #include "KestaDescriptor.h"
 #include "KestaToolError.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include <sys/types.h>
 
 /// A file that can't be read; the message names it.
 class CKestaInputError : public CKestaToolError
 {
 public:
     using CKestaToolError::CKestaToolError;
+};
+
+/// Which file it is, whatever its name; by default, none. While a file is held open, no other one
+/// has its id.
+struct CKestaFileId
+{
+    dev_t device = 0;
+    ino_t node = 0;
+
+    /// The file that a path leads to, or none.
+    static CKestaFileId at(const std::string& strPath);
+
+    bool operator==(const CKestaFileId& other) const
+    {
+        return device == other.device && node == other.node;
+    }
+    bool operator!=(const CKestaFileId& other) const { return !(*this == other); }
 };
 
 /// A file, or standard input, read in large blocks.
@@ -32,12 +52,17 @@ public:
     /// The next bytes; none at the end, for now. They stay valid until the next call.
     std::string_view read();
 
-    /// True when `strPath` still leads to this file.
-    bool isAt(const std::string& strPath) const;
+    CKestaFileId id() const;
+
+    /// Passes over what the file holds by now.
+    void skip();
 
     /// Goes back to the start, and returns true, when the file has become shorter than what was
     /// read of it.
     bool rewindIfShortened();
+
+    /// The size of a regular file; 0 for another.
+    std::uint64_t size() const;
 
     /// The name to show: the path, or "(standard input)".
     const std::string& name() const { return m_strName; }

@@ -1,80 +1,118 @@
-#include "KestaLogCommand.h"
-
+#include "KestaCommands.h"
 #include "KestaConfiguration.h"
+#include "KestaDebug.h"
 #include "KestaInput.h"
-#include "KestaLogDecoder.h"
+#include "KestaLogFacts.h"
 #include "KestaLogFollower.h"
+#include "KestaLogPrinter.h"
+#include "KestaLogReport.h"
+#include "KestaLogVerdict.h"
 #include "KestaOutput.h"
+#include "KestaProgress.h"
+#include "KestaToolError.h"
+#include "KestaTraceSettings.h"
 
 #include <CLI/CLI.hpp>
-
-#include <unistd.h>
 
 namespace
 {
 
-/// Where the configuration has the library write its log. The library names its files itself, and
-/// tells nobody.
-struct CConfiguredLog
-{
-    std::string strCurrent;
-    std::string strRolledOver;
-
-    CConfiguredLog()
-    {
-        std::string strDirectory = CKestaConfiguration::getDebugFile();
-        std::string strOldDirectory = CKestaConfiguration::getNewFile();
-        if (strDirectory.empty())
-            strDirectory = strOldDirectory = CKestaConfiguration::getDataDir() + "log";
-        strCurrent = strDirectory + "/KestaDebug_C.log";
-        strRolledOver = strOldDirectory + "/KestaDebugOld_C.log";
-    }
-
-    /// Where a user who does not find the lines that she looks for may go on.
-    std::string advice() const
-    {
-        std::string strAdvice;
-        if (CKestaConfiguration::getDebugLevel() == 0)
-            strAdvice = "tracing is off (DEBUGLEVEL is 0 or absent); ";
-        if (access(strRolledOver.c_str(), F_OK) == 0)
-            return strAdvice + "older lines were rolled over to " + strRolledOver;
-        return strAdvice + "nothing was rolled over to " + strRolledOver + " either";
-    }
-};
-
 /// Writes a log to its end; returns false when it was empty.
 bool copyLog(CKestaInput& input, CKestaOutput& output)
 {
-    CKestaLogDecoder decoder;
-    std::string strText;
+    CKestaLogPrinter printer(output);
+    CKestaProgress progress(input);
     bool bSome = false;
     for (std::string_view bytes = input.read(); !bytes.empty(); bytes = input.read())
     {
-        decoder.feed(bytes, strText);
-        output.write(strText);
+        printer.print(bytes);
         output.flush();
-        strText.clear();
+        progress.advance(bytes.size());
         bSome = true;
     }
-    decoder.finish(strText);
-    output.write(strText);
+    printer.finish();
     return bSome;
 }
 
-int showConfigured(CKestaOutput& output)
+/// Why the lines that the user looks for are not in the log.
+std::string advice()
 {
-    const CConfiguredLog log;
-    const std::unique_ptr<CKestaInput> pInput = CKestaInput::openIfThere(log.strCurrent);
-    if (pInput == nullptr)
-        throw CKestaToolError(log.strCurrent + ": there is no such log; " + log.advice());
-    if (!copyLog(*pInput, output))
-        report(log.strCurrent + ": the log is empty; " + log.advice());
-    return iStatusYes;
+    const CKestaLogFacts facts;
+    const CKestaLogVerdict verdict(facts);
+    std::string strAdvice;
+    if (!verdict.bTraced)
+        strAdvice += "; " + verdict.finding.strWhat;
+    if (facts.oldLog.isThere())
+        strAdvice += "; older lines were rolled over to " + facts.oldLog.strPath;
+    return strAdvice + "; see 'kesta log --check'";
 }
 
-}   // namespace
+void showConfigured(CKestaOutput& output)
+{
+    const std::string strLog = CKestaDebug::getLogFile();
+    const std::unique_ptr<CKestaInput> pInput = CKestaInput::openIfThere(strLog);
+    if (pInput == nullptr)
+        throw CKestaToolError(strLog + ": there is no such log" + advice());
+    if (!copyLog(*pInput, output))
+        report(strLog + ": the log is empty" + advice());
+}
 
-CKestaLogCommand::CKestaLogCommand(CLI::App& root)
+int check(bool bJson, CKestaOutput& output)
+{
+    const CKestaLogFacts facts;
+    const CKestaLogVerdict verdict(facts);
+    if (bJson)
+        printReportAsJson(facts, verdict, output);
+    else
+        printReport(facts, verdict, output);
+    return verdict.bTraced ? iStatusYes : iStatusNo;
+}
+
+CKestaFollowedLog configuredLog()
+{
+    return {CKestaDebug::getLogFile(), CKestaDebug::getOldLogFile(),
+            sizeLimit(CKestaConfiguration::getDebugSize())};
+}
+
+/// Of a log elsewhere only the names are known.
+CKestaFollowedLog logAt(const std::string& strPath)
+{
+    const CKestaFollowedLog configured = configuredLog();
+    if (strPath == configured.strLog)
+        return configured;
+    if (fileNameOf(strPath) != fileNameOf(configured.strLog))
+        return {strPath, "", std::nullopt};
+    return {strPath, directoryOf(strPath) + fileNameOf(configured.strOldLog), std::nullopt};
+}
+
+[[noreturn]] void followConfigured(CKestaOutput& output)
+{
+    const CKestaFollowedLog log = configuredLog();
+    const CKestaLogVerdict verdict{CKestaLogFacts()};
+    if (!verdict.bTraced)
+        report(log.strLog + ": nothing is added; " + verdict.finding.strWhat +
+               "; see 'kesta log --check'");
+    CKestaLogFollower(log, output).run();
+}
+
+class CLogCommand : public CKestaCommand
+{
+public:
+    explicit CLogCommand(CLI::App& root);
+
+    /// Showing a log must not change it.
+    bool isEntry() const override { return false; }
+
+    int run(CKestaOutput& output) override;
+
+private:
+    std::string m_strFile;
+    bool m_bFollow = false;
+    bool m_bCheck = false;
+    bool m_bJson = false;
+};
+
+CLogCommand::CLogCommand(CLI::App& root)
     : CKestaCommand(root, "log", "Show a trace log as plain text",
                     "Shows a log in either form, the framing taken out. A log that a host's own "
                     "cipher wrote stays enciphered.")
@@ -84,23 +122,40 @@ CKestaLogCommand::CKestaLogCommand(CLI::App& root)
                     "The log, \"-\" for standard input; the configured log when "
                     "left out")
         ->type_name("");
-    m_app.add_flag("-f,--follow", m_bFollow,
-                   "Go on with what is added, also after a roll-over, until interrupted");
+    CLI::Option* const pFollow =
+        m_app.add_flag("-f,--follow", m_bFollow,
+                       "Go on with what is added, also after a roll-over, until interrupted");
+    CLI::Option* const pCheck =
+        m_app.add_flag("--check", m_bCheck, "Say whether lines are traced, and if not, why")
+            ->excludes("FILE")
+            ->excludes(pFollow);
+    m_app.add_flag("--json", m_bJson, "Write the result of --check as JSON")->needs(pCheck);
 }
 
-int CKestaLogCommand::run(CKestaOutput& output)
+int CLogCommand::run(CKestaOutput& output)
 {
-    const bool bConfigured = m_app.count("FILE") == 0;
+    if (m_bCheck)
+        return check(m_bJson, output);
+    CKestaConfiguration::setDebugInfo(CKestaConfiguration::getConfigurationFile());
+    if (m_bFollow && m_strFile == "-")
+        throw CKestaToolError("--follow: needs a file, not standard input");
+    if (m_bFollow && has("FILE"))
+        CKestaLogFollower(logAt(m_strFile), output).run();
     if (m_bFollow)
+        followConfigured(output);
+    if (has("FILE"))
     {
-        if (m_strFile == "-")
-            throw CKestaToolError("--follow: needs a file, not standard input");
-        CKestaLogFollower(bConfigured ? CConfiguredLog().strCurrent : m_strFile, output).run();
-        return iStatusYes;
+        CKestaInput input(m_strFile);
+        copyLog(input, output);
     }
-    if (bConfigured)
-        return showConfigured(output);
-    CKestaInput input(m_strFile);
-    copyLog(input, output);
+    else
+        showConfigured(output);
     return iStatusYes;
+}
+
+}   // namespace
+
+std::unique_ptr<CKestaCommand> makeLogCommand(CLI::App& root)
+{
+    return std::make_unique<CLogCommand>(root);
 }

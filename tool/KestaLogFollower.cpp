@@ -1,110 +1,200 @@
 #include "KestaLogFollower.h"
 
 #include "KestaOutput.h"
+#include "KestaToolError.h"
 
+#include <algorithm>
 #include <csignal>
-
-#include <poll.h>
-#include <sys/inotify.h>
-#include <unistd.h>
 
 namespace
 {
 
-volatile std::sig_atomic_t iEndSignal = 0;
-
-void noteEndSignal(int iSignal)
-{
-    iEndSignal = iSignal;
-}
-
-void catchEndSignals()
-{
-    struct sigaction action = {};
-    action.sa_handler = &noteEndSignal;   // without SA_RESTART: waiting ends at once
-    for (const int iSignal : {SIGINT, SIGTERM, SIGHUP})
-        sigaction(iSignal, &action, nullptr);
-}
-
-// Wakes up at a change in the directory: two roll-overs in a row would lose what lies between.
-int watchDirectory(const std::string& strPath)
-{
-    const std::size_t ulSlash = strPath.rfind('/');
-    const std::string strDirectory =
-        ulSlash == std::string::npos ? "." : strPath.substr(0, ulSlash + 1);
-    const int iWatch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    if (iWatch >= 0)
-        inotify_add_watch(iWatch, strDirectory.c_str(), IN_CREATE | IN_MODIFY | IN_MOVE);
-    return iWatch;
-}
+// While output is slow, logs that were replaced meanwhile take disk space for as long as they are
+// held.
+constexpr std::size_t ulMostHeld = 64;
 
 }   // namespace
 
-CKestaLogFollower::CKestaLogFollower(const std::string& strPath, CKestaOutput& output)
-    : m_strPath(strPath), m_output(output), m_watch(watchDirectory(strPath))
+/// A log that is held open.
+struct CKestaLogFollower::CLog
+{
+    CLog(std::unique_ptr<CKestaInput> pLogInput, CKestaOutput& output)
+        : pInput(std::move(pLogInput)), printer(output)
+    {
+    }
+
+    std::unique_ptr<CKestaInput> pInput;
+    CKestaLogPrinter printer;
+};
+
+CKestaLogFollower::CKestaLogFollower(const CKestaFollowedLog& followed, CKestaOutput& output)
+    : m_followed(followed), m_output(output), m_watch(followed.strLog, followed.strOldLog)
 {
 }
+
+CKestaLogFollower::~CKestaLogFollower() = default;
 
 void CKestaLogFollower::run()
 {
-    catchEndSignals();
-    while (iEndSignal == 0)
+    // Started in the background by a script, the process would have inherited that they are
+    // ignored.
+    std::signal(SIGINT, SIG_DFL);
+    std::signal(SIGTERM, SIG_DFL);
+    begin();
+    while (true)
     {
-        catchUp();
-        wait();
+        copyAll();
+        if (!m_watch.wait())
+            settle();
+        update();
     }
-    catchUp();
-    endLog();
 }
 
-void CKestaLogFollower::catchUp()
+// What the old log holds at the start is not what is followed.
+void CKestaLogFollower::begin()
 {
-    if (m_pInput != nullptr && !m_pInput->isAt(m_strPath))
+    try
     {
-        copyRest();
-        endLog();
+        if (std::unique_ptr<CKestaInput> pOld = CKestaInput::openIfThere(m_followed.strOldLog))
+        {
+            pOld->skip();
+            m_oldId = pOld->id();
+            add(std::move(pOld));
+        }
     }
-    if (m_pInput == nullptr)
-        m_pInput = CKestaInput::openIfThere(m_strPath);
-    if (m_pInput != nullptr)
-        copyRest();
-}
-
-void CKestaLogFollower::copyRest()
-{
-    std::string strText;
-    if (m_pInput->rewindIfShortened())
-        m_decoder.finish(strText);
-    for (std::string_view bytes = m_pInput->read(); !bytes.empty(); bytes = m_pInput->read())
+    catch (const CKestaInputError&)
     {
-        m_decoder.feed(bytes, strText);
-        m_output.write(strText);
-        strText.clear();
+        m_oldId = CKestaFileId::at(m_followed.strOldLog);
     }
-    m_output.write(strText);
-    m_output.flush();
+    look();
+    m_watch.takeRollOvers();
+    m_lUnseen = 0;
+    if (!m_watch.isComplete())
+        report(m_followed.strLog + ": the system reports no changes; what is missed can't be said");
+    if (m_pLog == nullptr)
+        report(m_followed.strLog + ": there is no such log yet; waiting for it");
 }
 
-void CKestaLogFollower::endLog()
+void CKestaLogFollower::update()
 {
-    std::string strText;
-    m_decoder.finish(strText);
-    m_output.write(strText);
-    m_output.flush();
-    m_pInput.reset();
-}
-
-// Waits for a change; for a moment only, as not every file system tells of changes.
-void CKestaLogFollower::wait() const
-{
-    constexpr int iMilliseconds = 250;
-    pollfd files[] = {{STDOUT_FILENO, 0, 0}, {m_watch.get(), POLLIN, 0}};
-    if (poll(files, 2, iMilliseconds) <= 0)
+    if (m_logs.size() >= ulMostHeld)
         return;
-    if (files[0].revents != 0)
-        throw CKestaReaderGone();
-    char events[4096];
-    while (read(m_watch.get(), events, sizeof events) > 0)
+    // A roll-over is reported after it was done: those that are reported by now can be seen, or
+    // can never be seen any more.
+    m_lUnseen += m_watch.takeRollOvers();
+    look();
+    if (m_lUnseen > 0)
+        reportMissed();
+    m_lUnseen = std::min(m_lUnseen, 0L);
+}
+
+void CKestaLogFollower::look()
+{
+    while (m_logs.size() < ulMostHeld)
     {
+        if (CKestaFileId::at(m_followed.strOldLog) != m_oldId)
+        {
+            rollOver();
+            continue;
+        }
+        if (CKestaFileId::at(m_followed.strLog) == logId())
+            return;
+        std::unique_ptr<CKestaInput> pNew = CKestaInput::openIfThere(m_followed.strLog);
+        if (CKestaFileId::at(m_followed.strOldLog) != m_oldId)
+            continue;   // rolled over meanwhile: another log may come before the new one
+        if (pNew != nullptr)
+        {
+            add(std::move(pNew));
+            m_pLog = &m_logs.back();
+        }
+        return;
     }
+}
+
+// The old log's path leads to another file than before.
+void CKestaLogFollower::rollOver()
+{
+    const CKestaFileId oldId = CKestaFileId::at(m_followed.strOldLog);
+    const bool bDeleted = oldId == CKestaFileId();
+    const bool bFromElsewhere = m_pLog != nullptr && CKestaFileId::at(m_followed.strLog) == logId();
+    if (!bDeleted && !bFromElsewhere)
+    {
+        if (oldId != logId())
+        {
+            std::unique_ptr<CKestaInput> pBetween = CKestaInput::openIfThere(m_followed.strOldLog);
+            if (pBetween == nullptr || pBetween->id() != oldId)
+                return;   // replaced again
+            add(std::move(pBetween));
+            m_lUnseen -= m_pLog != nullptr ? 1 : 0;   // the log that it replaced as the old log
+        }
+        m_pLog = nullptr;
+    }
+    m_lUnseen -= bDeleted ? 0 : 1;
+    m_oldId = oldId;
+}
+
+void CKestaLogFollower::add(std::unique_ptr<CKestaInput> pInput)
+{
+    m_logs.emplace_back(std::move(pInput), m_output);
+}
+
+void CKestaLogFollower::copyAll()
+{
+    for (auto itLog = m_logs.begin(); itLog != m_logs.end();)
+    {
+        const bool bLast = isReplaced(*itLog);   // asked before, so that nothing comes after
+        copy(*itLog);
+        if (bLast)
+            itLog->printer.finish();
+        itLog = bLast ? m_logs.erase(itLog) : std::next(itLog);
+    }
+    m_output.flush();
+}
+
+void CKestaLogFollower::copy(CLog& log)
+{
+    if (log.pInput->rewindIfShortened())
+    {
+        log.printer.finish();
+        report(m_followed.strLog + ": truncated; going on at its start");
+    }
+    for (std::string_view bytes = log.pInput->read(); !bytes.empty(); bytes = log.pInput->read())
+    {
+        log.printer.print(bytes);
+        m_output.flush();
+        update();   // what is rolled over while output is slow must be taken hold of
+    }
+}
+
+// No path leads to it any more. The log and the old log may still grow.
+bool CKestaLogFollower::isReplaced(const CLog& log) const
+{
+    return &log != m_pLog && log.pInput->id() != m_oldId;
+}
+
+// Nothing has happened for a while: a line that has no end by now was torn, and every roll-over
+// that was seen has been reported, if ever it will be.
+void CKestaLogFollower::settle()
+{
+    for (CLog& log : m_logs)
+        log.printer.finish();
+    m_output.flush();
+    m_lUnseen = 0;
+}
+
+void CKestaLogFollower::reportMissed() const
+{
+    std::string strMissed = (m_watch.isComplete() ? "" : "at least ") + std::to_string(m_lUnseen) +
+                            (m_lUnseen == 1 ? " log" : " logs");
+    if (m_followed.lSizeLimit.has_value())
+        strMissed += ", at least " +
+                     std::to_string(m_lUnseen * std::max(*m_followed.lSizeLimit + 1, 0L)) +
+                     " bytes";
+    report(m_followed.strLog + ": missed " + strMissed +
+           ", rolled over faster than they could be read");
+}
+
+CKestaFileId CKestaLogFollower::logId() const
+{
+    return m_pLog == nullptr ? CKestaFileId() : m_pLog->pInput->id();
 }

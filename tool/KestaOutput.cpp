@@ -1,5 +1,6 @@
 #include "KestaOutput.h"
 
+#include "KestaProgress.h"
 #include "KestaToolError.h"
 
 #include <cerrno>
@@ -42,15 +43,22 @@ void CKestaOutput::flush()
     m_strBuffer.clear();
 }
 
+bool CKestaOutput::isTerminal()
+{
+    return isatty(STDOUT_FILENO) == 1;
+}
+
 bool CKestaOutput::isColoured()
 {
     const char* const pszTerminal = std::getenv("TERM");
-    return isatty(STDOUT_FILENO) == 1 && !isSet("NO_COLOR") && pszTerminal != nullptr &&
+    return isTerminal() && !isSet("NO_COLOR") && pszTerminal != nullptr &&
            std::strcmp(pszTerminal, "dumb") != 0;
 }
 
 void CKestaOutput::writeAll(std::string_view bytes)
 {
+    if (!bytes.empty())
+        CKestaProgress::hide();
     while (!bytes.empty())
     {
         const ssize_t lWritten = ::write(STDOUT_FILENO, bytes.data(), bytes.size());

@@ -19,6 +19,8 @@ public:
     /// Writes what was added so far. What is not flushed is lost.
     void flush();
 
+    static bool isTerminal();
+
     /// True when the output is a terminal that shows colours, and the user does not object.
     static bool isColoured();
 

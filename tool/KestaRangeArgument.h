@@ -2,17 +2,16 @@
 #define KESTA_RANGE_ARGUMENT_H
 
 #include "KestaIPRange.h"
-#include "KestaToolError.h"
 
 #include <memory>
+#include <string>
 
-/// Makes a range of an argument. Throws: `CKestaToolError` that names it and tells what is right.
-inline std::unique_ptr<KestaIPRange> readRange(const std::string& strText)
-{
-    return readArgument("range " + inQuotes(strText),
-                        "a range is an address, 10.1.*.*, 2001:db8::/32 (from the first address of "
-                        "its block) or 2001:db8:1*; 0.0.0.0, :: and excluded classes are refused",
-                        [&] { return std::make_unique<KestaIPRange>(strText); });
-}
+/// Makes a range of a text. A text that is read otherwise than it looks is explained on standard
+/// error: "10.*" is 10.0.0.0 to 10.0.0.255.
+///
+/// Throws: `CKestaToolError` that names the text and says what is wrong, or what to write instead.
+/// `strPlace` begins both messages, such as "ranges.txt:3: ". The library's own error is traced.
+std::unique_ptr<KestaIPRange> readRange(const std::string& strText,
+                                        const std::string& strPlace = "");
 
 #endif

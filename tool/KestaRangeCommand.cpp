@@ -1,11 +1,14 @@
-#include "KestaRangeCommand.h"
-
+#include "KestaAddressClass.h"
+#include "KestaAddressInterval.h"
 #include "KestaAddressText.h"
+#include "KestaArgument.h"
+#include "KestaCommands.h"
 #include "KestaExclusion.h"
 #include "KestaHostAddresses.h"
 #include "KestaJson.h"
 #include "KestaRangeArgument.h"
 #include "KestaTable.h"
+#include "KestaToolError.h"
 
 #include <CLI/CLI.hpp>
 
@@ -14,21 +17,16 @@
 namespace
 {
 
+/// What is asked of the range, and the answer.
+struct CMember
+{
+    std::string strText;
+    bool bInside;
+};
+
 bool isRange(const std::string& strText)
 {
     return strText.find_first_of("*/") != std::string::npos;
-}
-
-std::unique_ptr<KestaIPAddress> readAddressArgument(const std::string& strText)
-{
-    return readArgument("address " + inQuotes(strText),
-                        "an address is 10.1.2.3 or 2001:db8::1, and a range holds \"*\" or \"/\"",
-                        [&]() -> std::unique_ptr<KestaIPAddress>
-                        {
-                            if (strText.find(':') != std::string::npos)
-                                return std::make_unique<KestaIPv6Address>(strText);
-                            return std::make_unique<KestaIPv4Address>(strText);
-                        });
 }
 
 bool isIPv6(const KestaIPRange& range)
@@ -46,50 +44,7 @@ bool isInside(const KestaIPRange& range, const std::string& strText)
     return bSameFamily && range.isMember(pAddress.get());
 }
 
-}   // namespace
-
-CKestaRangeCommand::CKestaRangeCommand(CLI::App& root)
-    : CKestaCommand(root, "range", "Tell whether addresses and ranges lie inside a range",
-                    "Prints the family and both ends of the range, then for each argument whether "
-                    "it is inside.\nWithout arguments it asks for this host's own addresses of the "
-                    "range's family.\nOf two ranges, it does not matter which contains the other."
-                    "\n\nRanges: 10.1.2.3, 10.1.*.*, ::ffff:10.1.*.*, 2001:db8::1, 2001:db8::/32, "
-                    "2001:db8:1*\nExit status: 0 when something is inside, 1 when nothing is, 2 "
-                    "after an error")
-{
-    m_app.add_option("TEXT", m_strRange, "The range")->type_name("")->required();
-    addTexts("ADDRESS|RANGE", m_arguments, "What to ask for; a text with \"*\" or \"/\" is a range",
-             false);
-    m_app.add_option("--exclude", m_strExcluded, szExclusionHelp)->type_name("CLASSES");
-    m_app.add_flag("--json", m_bJson, "Write JSON");
-}
-
-int CKestaRangeCommand::run(CKestaOutput& output)
-{
-    if (m_app.count("--exclude") > 0)
-        excludeClasses(m_strExcluded);
-    const std::unique_ptr<KestaIPRange> pRange = readRange(m_strRange);
-    const std::vector<CMember> members =
-        m_arguments.empty() ? judgeHost(*pRange) : judgeArguments(*pRange);
-    if (m_bJson)
-        printAsJson(*pRange, members, output);
-    else
-        print(*pRange, members, output);
-    const bool bSomeInside = std::any_of(members.begin(), members.end(),
-                                         [](const CMember& member) { return member.bInside; });
-    return bSomeInside ? iStatusYes : iStatusNo;
-}
-
-std::vector<CKestaRangeCommand::CMember>
-CKestaRangeCommand::judgeArguments(const KestaIPRange& range) const
-{
-    std::vector<CMember> members;
-    for (const std::string& strArgument : m_arguments)
-        members.push_back({strArgument, isInside(range, strArgument)});
-    return members;
-}
-
-std::vector<CKestaRangeCommand::CMember> CKestaRangeCommand::judgeHost(const KestaIPRange& range)
+std::vector<CMember> judgeHost(const KestaIPRange& range)
 {
     const CKestaHostAddresses host;
     std::vector<CMember> members;
@@ -105,13 +60,102 @@ std::vector<CKestaRangeCommand::CMember> CKestaRangeCommand::judgeHost(const Kes
     return members;
 }
 
-void CKestaRangeCommand::print(const KestaIPRange& range, const std::vector<CMember>& members,
-                               CKestaOutput& output)
+class CRangeCommand : public CKestaCommand
 {
+public:
+    explicit CRangeCommand(CLI::App& root);
+
+    int run(CKestaOutput& output) override;
+
+private:
+    std::vector<CMember> judgeArguments(const KestaIPRange& range) const;
+    void print(const KestaIPRange& range, const std::vector<CMember>& members,
+               CKestaOutput& output) const;
+    void printAsJson(const KestaIPRange& range, const std::vector<CMember>& members,
+                     CKestaOutput& output) const;
+
+    std::string m_strRange;
+    std::vector<std::string> m_arguments;
+    std::string m_strExcluded;
+    bool m_bJson = false;
+    bool m_bCidr = false;
+};
+
+CRangeCommand::CRangeCommand(CLI::App& root)
+    : CKestaCommand(root, "range", "Describe a range; test addresses and ranges against it",
+                    "Prints the family of the range, its two ends, the number and the class of its "
+                    "addresses, and the shortest list of CIDR blocks that holds just these; then "
+                    "for each argument whether it is inside.\nWithout arguments the addresses of "
+                    "this host are tested.\nOf two ranges, it does not matter which contains the "
+                    "other.\n\nRanges: 10.1.2.3, 10.1.*.*, ::ffff:10.1.*.*, 2001:db8::1, "
+                    "2001:db8::/32 (the first address of the block), 2001:db8:1*. Refused are "
+                    "0.0.0.0, :: and excluded classes.\nExit status: 0 when something is inside, 1 "
+                    "when nothing is, 2 after an error")
+{
+    m_app.add_option("TEXT", m_strRange, "The range")->type_name("")->required();
+    CLI::Option* const pArguments =
+        m_app
+            .add_option("ADDRESS|RANGE", m_arguments,
+                        "Addresses and ranges to test; a text with \"*\" or \"/\" is a range")
+            ->type_name("");
+    m_app.add_option("--exclude", m_strExcluded, exclusionHelp())->type_name("CLASSES");
+    CLI::Option* const pJson = m_app.add_flag("--json", m_bJson, "Write JSON");
+    m_app
+        .add_flag("--cidr", m_bCidr,
+                  "Print the CIDR blocks of the range only, one a line; test "
+                  "nothing")
+        ->excludes(pArguments)
+        ->excludes(pJson);
+}
+
+int CRangeCommand::run(CKestaOutput& output)
+{
+    if (has("--exclude"))
+        excludeClasses(m_strExcluded);
+    const std::unique_ptr<KestaIPRange> pRange = readRange(m_strRange);
+    if (m_bCidr)
+    {
+        for (const std::string& strBlock : blocksOf(intervalOf(*pRange)))
+            output.write(strBlock + "\n");
+        return iStatusYes;
+    }
+    const std::vector<CMember> members =
+        m_arguments.empty() ? judgeHost(*pRange) : judgeArguments(*pRange);
+    if (m_bJson)
+        printAsJson(*pRange, members, output);
+    else
+        print(*pRange, members, output);
+    const bool bSomeInside = std::any_of(members.begin(), members.end(),
+                                         [](const CMember& member) { return member.bInside; });
+    return bSomeInside ? iStatusYes : iStatusNo;
+}
+
+std::vector<CMember> CRangeCommand::judgeArguments(const KestaIPRange& range) const
+{
+    std::vector<CMember> members;
+    for (const std::string& strArgument : m_arguments)
+        members.push_back({strArgument, isInside(range, strArgument)});
+    return members;
+}
+
+void CRangeCommand::print(const KestaIPRange& range, const std::vector<CMember>& members,
+                          CKestaOutput& output) const
+{
+    const CKestaAddressInterval interval = intervalOf(range);
     CKestaTable table;
-    table.add(CKestaTable::EColour::plain, {"family", familyOf(*range.getStartAddress())});
-    table.add(CKestaTable::EColour::plain, {"start", textOf(*range.getStartAddress())});
-    table.add(CKestaTable::EColour::plain, {"end", textOf(*range.getEndAddress())});
+    const auto tell = [&table](const char* pszWhat, const std::string& strValue)
+    {
+        table.add(CKestaTable::EColour::plain, {pszWhat, strValue});
+    };
+    tell("family", familyOf(*range.getStartAddress()));
+    tell("start", textOf(interval.bIPv6, interval.first));
+    tell("end", textOf(interval.bIPv6, interval.last));
+    tell("addresses", sizeOf(interval));
+    tell("class", classOf(interval));
+    for (const std::string& strBlock : blocksOf(interval))
+        tell("block", strBlock);
+    if (m_arguments.empty())
+        tell("tested", members.empty() ? "no address of this host" : "addresses of this host");
     for (const CMember& member : members)
     {
         if (member.bInside)
@@ -122,17 +166,28 @@ void CKestaRangeCommand::print(const KestaIPRange& range, const std::vector<CMem
     table.print(output);
 }
 
-void CKestaRangeCommand::printAsJson(const KestaIPRange& range, const std::vector<CMember>& members,
-                                     CKestaOutput& output) const
+void CRangeCommand::printAsJson(const KestaIPRange& range, const std::vector<CMember>& members,
+                                CKestaOutput& output) const
 {
+    const CKestaAddressInterval interval = intervalOf(range);
     CKestaJson asked = CKestaJson::array();
     for (const CMember& member : members)
         asked.push_back({{"text", member.strText}, {"inside", member.bInside}});
     printJson({{"range", m_strRange},
                {"family", familyOf(*range.getStartAddress())},
-               {"start", textOf(*range.getStartAddress())},
-               {"end", textOf(*range.getEndAddress())},
+               {"start", textOf(interval.bIPv6, interval.first)},
+               {"end", textOf(interval.bIPv6, interval.last)},
+               {"addresses", sizeOf(interval)},   // a text: numbers end at 2^53 for many readers
+               {"class", classOf(interval)},
+               {"blocks", blocksOf(interval)},
                {"asked", m_arguments.empty() ? "host" : "arguments"},
                {"members", asked}},
               output);
+}
+
+}   // namespace
+
+std::unique_ptr<CKestaCommand> makeRangeCommand(CLI::App& root)
+{
+    return std::make_unique<CRangeCommand>(root);
 }

@@ -1,7 +1,7 @@
 #include "KestaTable.h"
 
 #include "KestaOutput.h"
-#include "KestaToolError.h"
+#include "KestaToolText.h"
 
 #include <algorithm>
 

@@ -1,12 +1,8 @@
 #ifndef KESTA_TOOL_ERROR_H
 #define KESTA_TOOL_ERROR_H
 
-#include "KestaDebug.h"
-#include "KestaException.h"
-
 #include <stdexcept>
 #include <string>
-#include <string_view>
 
 /// The exit statuses, those of grep.
 constexpr int iStatusYes = 0;     ///< Something is inside; or the command did what it was asked to.
@@ -25,37 +21,11 @@ class CKestaReaderGone : public std::exception
 {
 };
 
-/// A text with everything that a terminal would obey written as \x and two digits.
-std::string printable(std::string_view text);
-
-/// A text between single quotes.
-std::string inQuotes(std::string_view text);
-
-/// A text without the blanks that it ends with.
-std::string withoutEndBlanks(std::string strText);
-
 /// Writes "kesta: ", a message and a newline to standard error, by one write. It stays one line,
 /// whatever the message holds.
 void report(const std::string& strMessage);
 
 /// What the system says about a failure: "NAME: No such file or directory".
 std::string systemError(const std::string& strName, int iError);
-
-/// Runs what reads an argument. An error of the library is traced, and becomes one that names the
-/// argument first and ends with what would be right.
-template <class TAction>
-auto readArgument(const std::string& strName, const char* pszRight, TAction action)
-{
-    try
-    {
-        return action();
-    }
-    catch (const CKestaExc& exc)
-    {
-        CKestaDebug::logMessage(exc);
-        throw CKestaToolError(strName + ": " + withoutEndBlanks(exc.GetErrorMessage()) + "; " +
-                              pszRight);
-    }
-}
 
 #endif

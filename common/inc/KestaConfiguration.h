@@ -10,14 +10,14 @@
 ///
 /// The file holds lines KEY=value. Blanks around key and value are trimmed, lines that begin with
 /// "#" are comments, keys are case-sensitive and count wherever they stand; the last of two equal
-/// keys wins. docs/trace-log.md tells all of it.
+/// keys wins. docs/trace-log.md describes the whole format.
 ///
-/// Thread contract: unguarded. A reading gathers its values first and then stores those that have
-/// changed only. So once a first reading was made, any number of threads may read an unchanged
-/// file again, and use the accessors, without a race; a changed file must meet one thread alone.
+/// Thread contract: any thread may call anything at any time, also while the file changes. The
+/// values of a reading replace those of the one before at a single moment, and each value that an
+/// accessor gives is whole.
 ///
 /// Throws: nothing of its own; a file that cannot be read and lines that make no sense are no
-/// errors.
+/// errors. `std::bad_alloc`, after which every setting is as it was.
 class KESTA_API CKestaConfiguration
 {
 public:
@@ -29,7 +29,8 @@ public:
     /// "conf": the directory is expected to end with "/".
     ///
     /// Returns 0 when the file could be opened, whatever it held, and -1 when not; every other
-    /// setting keeps its value then.
+    /// setting keeps its value then. Settings are read from a regular file only, and opening never
+    /// waits: a pipe counts as a file that could not be opened.
     static int initialize(const CKestaString& strConfigurationFile);
 
     /// Reads the file at a full path; same results as `initialize`.
@@ -51,6 +52,9 @@ public:
     /// True when the line begins with "#".
     static bool isComment(const CKestaString& strLine);
 
+    /// The path of the file that `initialize("KestaDebug.ini")` would read now.
+    static CKestaString getConfigurationFile();
+
     /// The trace level ("DEBUGLEVEL"); 0 means no trace log.
     static int getDebugLevel();
     /// The size limit of the trace log in units of 1000 bytes ("DEBUGSIZE").
@@ -67,20 +71,6 @@ public:
     static CKestaString getDataDir();
     /// The installation directory that the last `initialize` found.
     static CKestaString getInstalledDir();
-
-private:
-    struct CFindings;
-    struct CKeyValue;
-
-    static CKestaString m_strInstalledDir;
-    static CKestaString m_strDataDir;
-    static CKestaString m_strDebugItems;
-    static CKestaString m_stdDebugFile;   // "std" is no slip to mend: the name is established
-    static CKestaString m_strConfFile;    // reserved
-    static CKestaString m_strDebugEnabled;
-    static CKestaString m_strNewFile;
-    static int m_iDebugLevel;
-    static int m_iDebugSize;
 };
 
 #endif

@@ -5,37 +5,44 @@
 #include "KestaString.h"
 #include "KestaTextDetail.h"
 
+#include <atomic>
 #include <string_view>
 #include <type_traits>
 
 #include <pthread.h>
 
 class CKestaExc;
-class CKestaLineFile;
 
 /// Held from `CKestaDebug::initialize` to `CKestaDebug::unInitialize`: while tracing is set up, it
 /// serialises whole entries into the library. Plain and not recursive: a second `initialize` on
 /// the same thread blocks for ever.
 KESTA_API extern pthread_mutex_t ghMutex;
 
+/// The highest level that is traced now; below every level while tracing is off. Written by the
+/// library alone; `CKestaDebug::isTraced` is the way to ask.
+KESTA_API extern std::atomic<long> glKestaTracedLevel;
+
 /// The start of an entry into the library: reads the configuration and, unless its level is 0,
-/// takes the mutex and opens the trace log. A host calls it before each unit of work, and
-/// `unInitialize` after it.
-///
-///     initialize();
-///     KestaIPRange range("10.1.*.*");     // traced
-///     unInitialize();
+/// takes the mutex and opens the trace log. `unInitialize` ends the entry. Hosts should use
+/// `CKestaEntry`, which calls both, even when an exception is thrown.
 ///
 /// Level 52813 gives a plain log, and writes every line; any other level gives an enciphered one.
 /// A log that can't be opened costs one line of warning on standard output, nothing else.
 ///
-/// Blocks while another thread is in an entry with tracing. Throws: `std::bad_alloc` only.
+/// The entry belongs to the calling thread, and ends at the latest when the thread does. Waits
+/// while another thread is in an entry with tracing. A thread may be cancelled here, at the start
+/// and while it waits; it has begun nothing then.
+///
+/// Throws: `std::bad_alloc` only. Nothing is held then, and `unInitialize` is not to be called.
 KESTA_API void initialize();
 
 /// The end of an entry into the library: closes the trace log, and rolls it over when it has grown
 /// too large.
 ///
-/// Intended: the mutex is released even when `initialize` did not take it (level 0).
+/// Intended: the mutex is released even when `initialize` did not take it (level 0), and a thread
+/// that is in no entry ends the one in progress, so that an entry may be begun on one thread and
+/// ended on another. A thread with an entry of its own ends that alone: entries of other threads
+/// keep their log and the mutex.
 KESTA_API void unInitialize();
 
 namespace KestaTraceDetail
@@ -69,12 +76,16 @@ using IfValue = std::enable_if_t<isTraceable<T> && !isObject<T>, int>;
 /// The trace log. Everything is static and process-wide.
 ///
 /// A line is "[" item type "]:" source ":" message and a newline. It is written when the switch is
-/// on and the configured level is at least the level of the line; docs/trace-log.md tells the bytes
-/// of the file.
+/// on and the configured level is at least the level of the line; docs/trace-log.md describes the
+/// bytes of the file.
 ///
-/// Thread contract: nothing here locks but `initialize`, and nothing releases but `unInitialize`;
-/// the other operations count on being called between the two, by the thread that called the first.
-/// With tracing off they may be called from any thread.
+/// Thread contract: any thread may call anything at any time. Lines go to the log of the entry in
+/// progress, each whole: those of the thread that made the entry, and those of threads that are in
+/// no entry. A thread whose own entry is at level 0 writes nothing. A thread may be cancelled at
+/// the start of a line that is to be written, never amid it.
+///
+/// A line that there is no memory for, or no room on the disk, is lost without an error. Making a
+/// text of an argument may throw, before anything is written.
 class KESTA_API CKestaDebug
 {
 public:
@@ -86,11 +97,12 @@ public:
     /// can't be opened leaves tracing off, with a warning on standard output when the switch of the
     /// configuration was on. In an entry that is set up already it does nothing more.
     ///
-    /// Throws: `std::bad_alloc` only; the mutex is held then, too.
+    /// Throws: `std::bad_alloc` only; nothing is held then.
     static int initialize(const CKestaString& strFilePath, bool bEncrypted, int iLevel);
 
     /// Closes the log, renames it when it is larger than the configured size, resets the settings
-    /// and releases the mutex. Without a log that was set up, it releases the mutex only.
+    /// and releases the mutex. Without a log that was set up, it releases the mutex only. While
+    /// another thread's entry is in progress, a thread with an entry of its own ends that alone.
     static void unInitialize();
 
     /// Writes one line, if it is to be traced at this level.
@@ -101,30 +113,40 @@ public:
     /// number, "," and its message.
     static void logMessage(const CKestaExc& refException);
 
-    /// Turns the switch on or off, until the end of the entry.
+    /// Turns the switch on or off: until the end of the entry, or, where no log is open, until the
+    /// next one begins.
     static void enable(bool bEnable);
 
     /// Writes a text as it stands, if the switch is on; there is no test of level.
     static void writeMessage(const CKestaString& strMessage);
 
-    /// True when a line of this level is to be traced. It is the test that every trace call makes
-    /// before it does anything else; ask it before building a costly message.
-    static bool isTraced(int iLevel) { return isEnabled() && m_iLevel >= iLevel; }
+    /// True when lines of this level are traced. It is the test that every trace call makes before
+    /// it does anything else; ask it before building a costly message.
+    static bool isTraced(int iLevel)
+    {
+        return iLevel <= glKestaTracedLevel.load(std::memory_order_relaxed);
+    }
+
+    /// Writes one line, if it is to be traced at this level. What `logMessage` does, without making
+    /// texts of its arguments, which end before their first NUL bytes.
+    static void logText(std::string_view itemType, std::string_view source,
+                        std::string_view message, int iLevel);
 
     /// The whole of `KESTA_DEBUG1` and `KESTA_DEBUG2`: makes texts of its arguments, which a call
     /// does only when the line is to be traced.
     template <class TSource, class TMessage>
-    static void trace(const TSource& source, const TMessage& message, int /*iLevel*/)
+    static void trace(const TSource& source, const TMessage& message, int iLevel)
     {
-        writeTrace("MSG", textOf(source), textOf(message));
+        logText("MSG", textOf(source), textOf(message), iLevel);
     }
+
+    /// The path of the trace log, by the configuration that was read last.
+    static CKestaString getLogFile();
+
+    /// The path that the log takes when it is rolled over.
+    static CKestaString getOldLogFile();
 
 private:
-    static bool isEnabled()
-    {
-        return m_strEnabled.size() == 1 && (m_strEnabled[0] == 'Y' || m_strEnabled[0] == 'y');
-    }
-
     template <class T>
     static auto textOf(const T& text)
     {
@@ -136,19 +158,6 @@ private:
             return strText;
         }
     }
-
-    static void loadSettings(const CKestaString& strFilePath);
-    static void writeTrace(std::string_view itemType, std::string_view source,
-                           std::string_view message);
-
-    static bool m_bEncrypted;
-    static CKestaString m_strEnabled;
-    static int m_iLevel;
-    static int m_iDebugSize;
-    static bool m_bInitialized;
-    static CKestaString m_strFilePath;
-    static CKestaString m_strNewFile;
-    static CKestaLineFile m_File;
 };
 
 /// Traces a message of the library itself, item type "MSG" and source "FH", at a level.
@@ -172,10 +181,10 @@ KESTA_API void KESTA_DEBUG2(CKestaString strSource, CKestaString strMessage, int
 #define KESTA_DEBUG2(...) kestaDebug2(__VA_ARGS__)
 
 // The templates take objects by reference and everything else by value: a class constant need not
-// be defined, a bit-field and a packed member have no reference. The first function takes the rest:
-// arguments in braces, and objects that convert only while they are not const. A host's own
-// overload for a type of its own wins over all of them.
-inline void kestaDebug1(CKestaString strMessage, int iLevel)
+// be defined, a bit-field and a packed member have no reference. The first function takes texts
+// of ours, and the rest: arguments in braces, and objects that convert only while they are not
+// const. A host's own overload for a type of its own wins over all of them.
+inline void kestaDebug1(const CKestaString& strMessage, int iLevel)
 {
     if (CKestaDebug::isTraced(iLevel))
         CKestaDebug::trace("FH", strMessage, iLevel);
@@ -195,7 +204,7 @@ inline void kestaDebug1(TMessage message, int iLevel)
         CKestaDebug::trace("FH", message, iLevel);
 }
 
-inline void kestaDebug2(CKestaString strSource, CKestaString strMessage, int iLevel)
+inline void kestaDebug2(const CKestaString& strSource, const CKestaString& strMessage, int iLevel)
 {
     if (CKestaDebug::isTraced(iLevel))
         CKestaDebug::trace(strSource, strMessage, iLevel);

@@ -5,7 +5,8 @@
 /// library is compiled with `-fvisibility=hidden`.
 #define KESTA_API __attribute__((visibility("default")))
 
-/// Marks what stays hidden within a class that is shown.
+/// Takes a private member of such a class out again: hosts are never linked with it, so it may
+/// change.
 #define KESTA_LOCAL __attribute__((visibility("hidden")))
 
 #endif

@@ -9,27 +9,33 @@
 /// What the host tells the library about its installation: two directories, and the cipher of its
 /// trace log.
 ///
-///     CKestaHostSetup::setParameter(1, "/opt/acme/");    // conf/KestaDebug.ini is below it
-///     CKestaHostSetup::setParameter(2, "/var/acme/");    // log/ is below it
+///     // conf/KestaDebug.ini is below the first, log/ below the second
+///     CKestaHostSetup::setParameter(CKestaHostSetup::KESTA_INSTALLED_DIR, "/opt/acme/");
+///     CKestaHostSetup::setParameter(CKestaHostSetup::KESTA_DATA_DIR, "/var/acme/");
 ///
-/// Thread contract: process-wide and unguarded. Set things up before the first entry into the
-/// library; reading is safe from any thread then.
+/// Thread contract: process-wide; any thread may call anything at any time. What is set counts from
+/// the next entry into the library on, a cipher from the next line on.
 class KESTA_API CKestaHostSetup
 {
 public:
     /// Turns a plain trace line (its newline included) into its enciphered form, which may hold
-    /// any bytes. A line whose cipher throws is not written. A cipher must not trace.
+    /// any bytes. A line whose cipher throws is not written. A cipher runs while the log is locked:
+    /// it must not trace, begin or end an entry, fork, or wait for another thread.
     typedef std::string (*LineCipher)(const std::string& strLine);
 
-    /// Sets a start-up parameter: 1 is the installation directory, 2 the data directory. Both are
-    /// expected to end with "/". An empty text counts as set.
+    /// The start-up parameters.
+    static constexpr int KESTA_INSTALLED_DIR = 1;   ///< The installation directory.
+    static constexpr int KESTA_DATA_DIR = 2;        ///< The data directory.
+
+    /// Sets a start-up parameter. Both directories are expected to end with "/". An empty text
+    /// counts as set.
     ///
     /// Returns false, and stores nothing, for another number or a text over 2047 bytes.
     static bool setParameter(int iNumber, CKestaString strValue);
 
     /// A start-up parameter: what the host has set; else the environment variable
-    /// KESTA_INSTALLED_DIR or KESTA_DATA_DIR, unless it is over 2047 bytes or the process runs with
-    /// raised privileges; else the default that was fixed when the library was built
+    /// KESTA_INSTALLED_DIR or KESTA_DATA_DIR, unless it is empty or over 2047 bytes, or the process
+    /// runs with raised privileges; else the default that was fixed when the library was built
     /// (/opt/fernhold/ and /var/opt/fernhold/). The empty text for another number.
     static CKestaString getParameter(int iNumber);
 

@@ -4,18 +4,18 @@
 #include "KestaExport.h"
 #include "KestaString.h"
 
-#include <cstdio>
 #include <string>
 #include <string_view>
 
 /// A file that is written a line at a time: the bytes under the trace log.
 ///
 /// A line is one write of the system, without a buffer between: what was written is in the file
-/// when the call returns, and survives the death of the process. The object owns its stream, which
-/// programs that the host executes do not inherit.
+/// when the call returns, and survives the death of the process. The object owns its descriptor,
+/// which programs that the host executes do not inherit, and which is never that of standard input,
+/// output or error.
 ///
-/// When the disk is full, what can't be written of a line is given up and never comes later; the
-/// next line that finds room starts on a line of its own.
+/// When the disk is full, or a terminal takes no more, what can't be written of a line is given up
+/// and never comes later; the next line that finds room starts on a line of its own.
 ///
 /// Thread contract: one thread at a time. Several objects and processes may append to one file;
 /// each line stays whole.
@@ -31,7 +31,9 @@ public:
     CKestaLineFile(const CKestaLineFile&) = delete;
     CKestaLineFile& operator=(const CKestaLineFile&) = delete;
 
-    /// Opens a file with a mode of `fopen`; a file that is open already is closed first.
+    /// Opens a file with a mode of `fopen`; a file that is open already is closed first. Opening
+    /// never waits: what is neither a regular file nor a character device, such as a pipe, counts
+    /// as a file that can't be opened.
     ///
     /// Throws: `CKestaExc` 1008 with the path, when the file can't be opened; the object is closed
     /// then.
@@ -42,6 +44,12 @@ public:
 
     /// Closes the file, if it is open.
     void close();
+
+    /// Closes the file; before that, what stands at `strPath`, where it was opened, is renamed to
+    /// `strNewPath` if it is larger than so many bytes. Of several processes that have the file
+    /// open, one renames it, and none the file that has taken its place. That it can't be renamed
+    /// is no error.
+    void rollOver(const CKestaString& strPath, const CKestaString& strNewPath, long lLimit);
 
     /// Writes a line, which carries its own newline: as it stands, or, in a file opened as
     /// enciphered, as the host's cipher gives it (as it stands without one), followed by the bytes
@@ -56,8 +64,11 @@ private:
     bool encipher(std::string& strLine);
     bool write(const std::string& strBytes);
     bool endsWith(std::string_view lineEnd) const;
+    void renameLocked(const CKestaString& strPath, const CKestaString& strNewPath,
+                      long lLimit) const;
+    bool isRolledOver(const CKestaString& strPath, const CKestaString& strNewPath) const;
 
-    std::FILE* m_pFile = nullptr;
+    int m_iFile = -1;   // none
     bool m_bEnciphered = false;
     bool m_bAtStart = false;   // nothing was written since the file was opened
     bool m_bLimited = false;   // before the first line, the process had a file-size limit

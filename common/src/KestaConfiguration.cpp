@@ -1,35 +1,56 @@
 #include "KestaConfiguration.h"
 
 #include "KestaHostSetup.h"
+#include "KestaProcess.h"
+#include "KestaSettingsReader.h"
+#include "KestaTraceSettings.h"
 
-#include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
-
-CKestaString CKestaConfiguration::m_strInstalledDir;
-CKestaString CKestaConfiguration::m_strDataDir;
-CKestaString CKestaConfiguration::m_strDebugItems("ALL");
-CKestaString CKestaConfiguration::m_stdDebugFile;
-CKestaString CKestaConfiguration::m_strConfFile;
-CKestaString CKestaConfiguration::m_strDebugEnabled;
-CKestaString CKestaConfiguration::m_strNewFile;
-int CKestaConfiguration::m_iDebugLevel = 0;
-int CKestaConfiguration::m_iDebugSize = 0;
 
 namespace
 {
 
-void closeFile(std::FILE* pFile)
+/// The settings of the process.
+struct CSettings
 {
-    std::fclose(pFile);
+    CKestaString m_strInstalledDir;
+    CKestaString m_strDataDir;
+    CKestaString m_strDebugItems = "ALL";
+    CKestaString m_stdDebugFile;   // sic: established name
+    CKestaString m_strConfFile;    // reserved
+    CKestaString m_strDebugEnabled;
+    CKestaString m_strNewFile;
+    int m_iDebugLevel = 0;
+    int m_iDebugSize = 0;
+};
+
+CKestaImmortal<CSettings>& theSettings()
+{
+    static CKestaImmortal<CSettings> settings;
+    return settings;
 }
 
-}   // namespace
+// When the library is unloaded, or the process ends, the settings hold no memory any more, but can
+// still be used.
+[[gnu::destructor]] void giveMemoryBack()
+{
+    const CKestaLock lock(hKestaSettingsMutex);
+    theSettings().renew();
+}
+
+/// A copy of one setting, made while no other thread changes it.
+template <class T>
+T copyOf(T CSettings::*pSetting)
+{
+    const CKestaLock lock(hKestaSettingsMutex);
+    return theSettings().get().*pSetting;
+}
 
 /// What a reading has found; a setting that it has not found keeps its value.
-struct CKestaConfiguration::CFindings
+struct CFindings
 {
     std::optional<CKestaString> strInstalledDir;
     std::optional<CKestaString> strDataDir;
@@ -41,29 +62,68 @@ struct CKestaConfiguration::CFindings
     std::optional<int> iDebugSize;
 
     int read(const CKestaString& strPath);
-    void take(std::string_view key, const std::string& strValue);
-    void publish() const;
+    void take(const CKestaSetting& setting);
+    void publish();
 };
 
-/// One line split at "=", as a tokeniser would: a value is there only when something follows the
-/// first "=".
-struct CKestaConfiguration::CKeyValue
+int CFindings::read(const CKestaString& strPath)
 {
-    explicit CKeyValue(std::string_view line) : bFound(line.find('=') != std::string_view::npos)
-    {
-        if (!bFound)
-            return;
-        const std::size_t ulKeyEnd = line.find('=');
-        const std::string_view rest = line.substr(ulKeyEnd + 1);
-        key = KestaTextDetail::trimmed(line.substr(0, ulKeyEnd));
-        if (!rest.empty())
-            value = KestaTextDetail::trimmed(rest.substr(0, rest.find('=')));
-    }
+    CKestaSettingsReader reader(strPath.c_str());
+    if (!reader.isOpen())
+        return -1;
+    CKestaSetting setting;
+    while (reader.next(setting))
+        take(setting);
+    return 0;
+}
 
-    bool bFound;
-    std::string_view key;
-    std::optional<std::string_view> value;
-};
+void CFindings::take(const CKestaSetting& setting)
+{
+    const std::string strValue(setting.value);
+    if (setting.key == "DEBUGFILEPATH")
+        strDebugFile = strValue;
+    else if (setting.key == "DEBUG")
+        strDebugEnabled = strValue;
+    else if (setting.key == "DEBUGLEVEL")
+        iDebugLevel = std::atoi(strValue.c_str());
+    else if (setting.key == "DEBUGITEMS")
+        strDebugItems = strValue;
+    else if (setting.key == "DEBUGSIZE")
+        iDebugSize = std::atoi(strValue.c_str());
+    else if (setting.key == "DEBUGNEWFILE")
+        strNewFile = strValue;
+}
+
+// All at once, and without allocating: whoever reads meanwhile gets values of one file only, and a
+// reading that has run out of memory has changed nothing.
+void CFindings::publish()
+{
+    const auto takeText = [](CKestaString& strSetting, std::optional<CKestaString>& found)
+    {
+        if (found.has_value())
+            strSetting.swap(*found);
+    };
+    const CKestaLock lock(hKestaSettingsMutex);
+    CSettings& settings = theSettings().get();
+    takeText(settings.m_strInstalledDir, strInstalledDir);
+    takeText(settings.m_strDataDir, strDataDir);
+    takeText(settings.m_strDebugItems, strDebugItems);
+    takeText(settings.m_stdDebugFile, strDebugFile);
+    takeText(settings.m_strDebugEnabled, strDebugEnabled);
+    takeText(settings.m_strNewFile, strNewFile);
+    settings.m_iDebugLevel = iDebugLevel.value_or(settings.m_iDebugLevel);
+    settings.m_iDebugSize = iDebugSize.value_or(settings.m_iDebugSize);
+}
+
+}   // namespace
+
+CKestaTraceSettings currentTraceSettings()
+{
+    const CKestaLock lock(hKestaSettingsMutex);
+    const CSettings& settings = theSettings().get();
+    return {settings.m_stdDebugFile, settings.m_strDebugEnabled, settings.m_strNewFile,
+            settings.m_iDebugLevel, settings.m_iDebugSize};
+}
 
 CKestaConfiguration::CKestaConfiguration() = default;
 
@@ -71,9 +131,10 @@ CKestaConfiguration::~CKestaConfiguration() = default;
 
 int CKestaConfiguration::initialize(const CKestaString& strConfigurationFile)
 {
+    const CKestaNoCancellation noCancellation;
     CFindings findings;
-    findings.strInstalledDir = CKestaHostSetup::getParameter(1);
-    findings.strDataDir = CKestaHostSetup::getParameter(2);
+    findings.strInstalledDir = CKestaHostSetup::getParameter(CKestaHostSetup::KESTA_INSTALLED_DIR);
+    findings.strDataDir = CKestaHostSetup::getParameter(CKestaHostSetup::KESTA_DATA_DIR);
     findings.strDebugItems = "ALL";
     const int iResult = findings.read(*findings.strInstalledDir + "conf/" + strConfigurationFile);
     findings.publish();
@@ -82,81 +143,17 @@ int CKestaConfiguration::initialize(const CKestaString& strConfigurationFile)
 
 int CKestaConfiguration::setDebugInfo(const CKestaString& strDebugConf)
 {
+    const CKestaNoCancellation noCancellation;
     CFindings findings;
     const int iResult = findings.read(strDebugConf);
     findings.publish();
     return iResult;
 }
 
-int CKestaConfiguration::CFindings::read(const CKestaString& strPath)
-{
-    char szBuffer[BUFSIZ];   // here, not on the heap: the file is read at every entry
-    const std::unique_ptr<std::FILE, decltype(&closeFile)> pFile(std::fopen(strPath.c_str(), "re"),
-                                                                 &closeFile);
-    if (pFile == nullptr)
-        return -1;
-    std::setvbuf(pFile.get(), szBuffer, _IOFBF, sizeof szBuffer);
-
-    char szPiece[1024];     // a longer line is taken as several
-    std::string strValue;   // outlives its line: a line that ends with "=" takes it over
-    bool bSectionFound = false;
-    while (std::fgets(szPiece, sizeof szPiece, pFile.get()) != nullptr)
-    {
-        const std::string_view line = KestaTextDetail::trimmed(szPiece);
-        if (line.empty() || line.front() == '#')
-            continue;
-        if (!bSectionFound && line == "[DEBUGINFORMATION]")
-        {
-            bSectionFound = true;
-            continue;
-        }
-        const CKeyValue found(line);
-        if (found.value.has_value())
-            strValue = *found.value;
-        if (found.bFound)
-            take(found.key, strValue);   // wherever it stands: the header opens nothing
-    }
-    return 0;
-}
-
-void CKestaConfiguration::CFindings::take(std::string_view key, const std::string& strValue)
-{
-    if (key == "DEBUGFILEPATH")
-        strDebugFile = strValue;
-    else if (key == "DEBUG")
-        strDebugEnabled = strValue;
-    else if (key == "DEBUGLEVEL")
-        iDebugLevel = std::atoi(strValue.c_str());
-    else if (key == "DEBUGITEMS")
-        strDebugItems = strValue;
-    else if (key == "DEBUGSIZE")
-        iDebugSize = std::atoi(strValue.c_str());
-    else if (key == "DEBUGNEWFILE")
-        strNewFile = strValue;
-}
-
-void CKestaConfiguration::CFindings::publish() const
-{
-    // A member that keeps its value is not written: threads under an unchanged file only read.
-    const auto assignChanged = [](auto& member, const auto& found)
-    {
-        if (found.has_value() && !(member == *found))
-            member = *found;
-    };
-    assignChanged(m_strInstalledDir, strInstalledDir);
-    assignChanged(m_strDataDir, strDataDir);
-    assignChanged(m_strDebugItems, strDebugItems);
-    assignChanged(m_stdDebugFile, strDebugFile);
-    assignChanged(m_strDebugEnabled, strDebugEnabled);
-    assignChanged(m_strNewFile, strNewFile);
-    assignChanged(m_iDebugLevel, iDebugLevel);
-    assignChanged(m_iDebugSize, iDebugSize);
-}
-
 bool CKestaConfiguration::getKeyValue(const CKestaString& strSource, CKestaString& strKey,
                                       CKestaString& strValue)
 {
-    const CKeyValue found(strSource);
+    const CKestaKeyValue found(strSource);
     if (!found.bFound)
         return false;
     const CKestaString strFoundKey(std::string(found.key));   // strKey may be the source
@@ -171,42 +168,48 @@ bool CKestaConfiguration::isComment(const CKestaString& strLine)
     return strLine.c_str()[0] == '#';
 }
 
+CKestaString CKestaConfiguration::getConfigurationFile()
+{
+    return CKestaHostSetup::getParameter(CKestaHostSetup::KESTA_INSTALLED_DIR) + "conf/" +
+           szKestaConfigurationFile;
+}
+
 int CKestaConfiguration::getDebugLevel()
 {
-    return m_iDebugLevel;
+    return copyOf(&CSettings::m_iDebugLevel);
 }
 
 int CKestaConfiguration::getDebugSize()
 {
-    return m_iDebugSize;
+    return copyOf(&CSettings::m_iDebugSize);
 }
 
 CKestaString CKestaConfiguration::getDebugFile()
 {
-    return m_stdDebugFile;
+    return copyOf(&CSettings::m_stdDebugFile);
 }
 
 CKestaString CKestaConfiguration::getDebugInfo()
 {
-    return m_strDebugEnabled;
+    return copyOf(&CSettings::m_strDebugEnabled);
 }
 
 CKestaString CKestaConfiguration::getDebugItems()
 {
-    return m_strDebugItems;
+    return copyOf(&CSettings::m_strDebugItems);
 }
 
 CKestaString CKestaConfiguration::getNewFile()
 {
-    return m_strNewFile;
+    return copyOf(&CSettings::m_strNewFile);
 }
 
 CKestaString CKestaConfiguration::getDataDir()
 {
-    return m_strDataDir;
+    return copyOf(&CSettings::m_strDataDir);
 }
 
 CKestaString CKestaConfiguration::getInstalledDir()
 {
-    return m_strInstalledDir;
+    return copyOf(&CSettings::m_strInstalledDir);
 }

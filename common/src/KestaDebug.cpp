@@ -1,55 +1,71 @@
 #include "KestaDebug.h"
 
 #include "KestaConfiguration.h"
+#include "KestaEntries.h"
 #include "KestaException.h"
-#include "KestaHostSetup.h"
-#include "KestaLineFile.h"
+#include "KestaProcess.h"
+#include "KestaSettingsReader.h"
+#include "KestaTextDetail.h"
+#include "KestaTraceLog.h"
+#include "KestaTraceSettings.h"
 
-#include <cstdint>
 #include <cstdio>
+#include <limits>
+#include <new>
 #include <string>
 #include <utility>
-
-#include <sys/stat.h>
-
-pthread_mutex_t ghMutex = PTHREAD_MUTEX_INITIALIZER;
-
-bool CKestaDebug::m_bEncrypted = true;
-CKestaString CKestaDebug::m_strEnabled;
-int CKestaDebug::m_iLevel = 0;
-int CKestaDebug::m_iDebugSize = 0;
-bool CKestaDebug::m_bInitialized = false;
-CKestaString CKestaDebug::m_strFilePath;
-CKestaString CKestaDebug::m_strNewFile;
-CKestaLineFile CKestaDebug::m_File;
 
 namespace
 {
 
-constexpr char szConfigurationFile[] = "KestaDebug.ini";
-constexpr char szLogName[] = "/KestaDebug_C.log";
-constexpr char szOldLogName[] = "/KestaDebugOld_C.log";
-constexpr char szDefaultDirectory[] = "log";   // below the data directory
-
 constexpr int iNoTrace = 0;
 constexpr int iPlainText = 52813;   // the one level that leaves the log unenciphered
+constexpr int iLowestLevel = std::numeric_limits<int>::min();   // traced whenever the switch is on
 
-constexpr int iDataDirectory = 2;
-
-// The size limit in bytes: decimal thousands, in 32-bit arithmetic that wraps.
-std::int32_t sizeLimit(int iDebugSize)
+// Begins an entry with tracing. Without settings, those that were read last count when it begins.
+void beginTraced(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
+                 const CKestaTraceSettings* pSettings)
 {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(iDebugSize) * 1000u);
+    bool bWarning = false;
+    {
+        const CKestaLock lock(CKestaEntries::mutex());
+        CKestaEntries::begin();
+        const CKestaNoCancellation noCancellation;
+        CKestaTraceLog& log = CKestaTraceLog::instance();
+        if (log.isSetUp())
+            return;
+        try
+        {
+            const CKestaTraceSettings settings = pSettings ? *pSettings : currentTraceSettings();
+            bWarning = !log.setUp(strFilePath, bEncrypted, iLevel, settings) &&
+                       settings.strDebugEnabled.equals("Y", false);
+        }
+        catch (const std::bad_alloc&)
+        {
+            CKestaEntries::end();   // an entry that throws holds nothing
+            throw;
+        }
+    }
+    const CKestaNoCancellation noCancellation;
+    if (bWarning)
+        std::fputs("Warning: Fernhold may not be able to Debug!!!\n", stdout);
 }
 
 }   // namespace
 
 void initialize()
 {
-    CKestaConfiguration::initialize(szConfigurationFile);
-    const int iLevel = CKestaConfiguration::getDebugLevel();
-    if (iLevel != iNoTrace)
-        CKestaDebug::initialize(CKestaConfiguration::getDebugFile(), iLevel != iPlainText, iLevel);
+    pthread_testcancel();   // here, where nothing is held yet
+    CKestaConfiguration::initialize(szKestaConfigurationFile);
+    const CKestaTraceSettings settings = currentTraceSettings();
+    if (settings.iDebugLevel == iNoTrace)
+    {
+        const CKestaLock lock(CKestaEntries::mutex());
+        CKestaEntries::beginIdle();
+    }
+    else
+        beginTraced(settings.strDebugFile, settings.iDebugLevel != iPlainText, settings.iDebugLevel,
+                    &settings);
 }
 
 void unInitialize()
@@ -63,102 +79,73 @@ CKestaDebug::~CKestaDebug() = default;
 
 int CKestaDebug::initialize(const CKestaString& strFilePath, bool bEncrypted, int iLevel)
 {
-    pthread_mutex_lock(&ghMutex);   // until unInitialize
-    if (m_bInitialized)
-        return 0;
-    m_File.close();
-    try
-    {
-        loadSettings(strFilePath);
-        m_File.open(m_strFilePath, "a+b", bEncrypted);
-        m_iLevel = iLevel;
-        m_bEncrypted = bEncrypted;
-        m_bInitialized = true;
-    }
-    catch (const CKestaExc&)
-    {
-        if (m_strEnabled.equals("Y", false))
-            std::fputs("Warning: Fernhold may not be able to Debug!!!\n", stdout);
-        m_strEnabled = "";
-        m_bInitialized = false;
-        m_iLevel = 0;
-    }
+    pthread_testcancel();
+    beginTraced(strFilePath, bEncrypted, iLevel, nullptr);
     return 0;
-}
-
-void CKestaDebug::loadSettings(const CKestaString& strFilePath)
-{
-    if (!strFilePath.empty())
-    {
-        m_strFilePath = strFilePath;
-        m_strNewFile = CKestaConfiguration::getNewFile();
-    }
-    else
-    {
-        m_strFilePath = CKestaHostSetup::getParameter(iDataDirectory) + szDefaultDirectory;
-        m_strNewFile = m_strFilePath;
-    }
-    m_strFilePath += szLogName;
-    m_strNewFile += szOldLogName;
-    m_strEnabled = CKestaConfiguration::getDebugInfo();
-    m_iDebugSize = CKestaConfiguration::getDebugSize();
 }
 
 void CKestaDebug::unInitialize()
 {
-    if (!m_bInitialized)
-    {
-        // Intended: the mutex is released even if this entry never took it.
-        pthread_mutex_unlock(&ghMutex);
-        return;
-    }
-    m_File.close();
-    struct stat status;
-    if (stat(m_strFilePath.c_str(), &status) == 0 && status.st_size > sizeLimit(m_iDebugSize))
-        std::rename(m_strFilePath.c_str(), m_strNewFile.c_str());
-    m_strEnabled = "";
-    m_iLevel = 0;
-    m_strFilePath = "";
-    m_bEncrypted = true;
-    m_bInitialized = false;
-    m_strNewFile = "";
-    m_iDebugSize = 0;
-    pthread_mutex_unlock(&ghMutex);
+    const CKestaNoCancellation noCancellation;
+    const CKestaLock lock(CKestaEntries::mutex());
+    CKestaEntries::end();
 }
 
 void CKestaDebug::logMessage(const CKestaString& strMessage, const CKestaString& strSource,
                              const CKestaString& strItemType, int iLevel)
 {
     if (isTraced(iLevel))
-        writeTrace(strItemType, strSource, strMessage);
+        logText(strItemType, strSource, strMessage, iLevel);
 }
 
 void CKestaDebug::logMessage(const CKestaExc& refException)
+try
 {
     constexpr int iExceptionLevel = 1;
-    if (isTraced(iExceptionLevel))
-    {
-        const CKestaString strSource = refException.GetErrorSource();
-        const CKestaString strNumber(refException.GetErrorNumber());
-        writeTrace("EXC", strSource, strNumber + "," + refException.GetErrorMessage());
-    }
+    if (!isTraced(iExceptionLevel))
+        return;
+    const CKestaString strSource = refException.GetErrorSource();
+    CKestaString strMessage(refException.GetErrorNumber());
+    strMessage += ",";
+    strMessage += refException.GetErrorMessage();
+    logText("EXC", strSource, strMessage, iExceptionLevel);
+}
+catch (const std::bad_alloc&)
+{
+    // Lost, as below.
 }
 
 void CKestaDebug::enable(bool bEnable)
 {
-    m_strEnabled = bEnable ? "Y" : "N";
+    const CKestaLock lock(CKestaEntries::mutex());
+    if (!CKestaEntries::isLogOfOthers())
+        CKestaTraceLog::instance().enable(bEnable);
 }
 
 void CKestaDebug::writeMessage(const CKestaString& strMessage)
+try
 {
-    if (isEnabled())
-        m_File.writeLine(strMessage.c_str());
+    if (!isTraced(iLowestLevel))
+        return;
+    pthread_testcancel();
+    const CKestaNoCancellation noCancellation;
+    std::string strText(strMessage.c_str());
+    const CKestaLock lock(CKestaEntries::mutex());
+    if (!CKestaEntries::isLogOfOthers())
+        CKestaTraceLog::instance().writeText(std::move(strText));
+}
+catch (const std::bad_alloc&)
+{
+    // A line that memory has no room for is lost, as one that the disk has no room for.
 }
 
-void CKestaDebug::writeTrace(std::string_view itemType, std::string_view source,
-                             std::string_view message)
+void CKestaDebug::logText(std::string_view itemType, std::string_view source,
+                          std::string_view message, int iLevel)
+try
 {
     constexpr std::size_t ulPunctuation = 16;   // and the frame of an enciphered line
+    pthread_testcancel();
+    const CKestaNoCancellation noCancellation;
     std::string strLine;
     strLine.reserve(itemType.size() + source.size() + message.size() + ulPunctuation);
     strLine += '[';
@@ -168,7 +155,25 @@ void CKestaDebug::writeTrace(std::string_view itemType, std::string_view source,
     strLine += ':';
     strLine += KestaTextDetail::upToNul(message);
     strLine += '\n';
-    m_File.writeLine(std::move(strLine));
+    const CKestaLock lock(CKestaEntries::mutex());
+    if (!CKestaEntries::isLogOfOthers())
+        CKestaTraceLog::instance().writeLine(std::move(strLine), iLevel);
+}
+catch (const std::bad_alloc&)
+{
+    // Lost, as above.
+}
+
+CKestaString CKestaDebug::getLogFile()
+{
+    const CKestaTraceSettings settings = currentTraceSettings();
+    return logFiles(settings.strDebugFile, settings.strNewFile).strLog;
+}
+
+CKestaString CKestaDebug::getOldLogFile()
+{
+    const CKestaTraceSettings settings = currentTraceSettings();
+    return logFiles(settings.strDebugFile, settings.strNewFile).strOldLog;
 }
 
 void(KESTA_DEBUG1)(CKestaString strMessage, int iLevel)

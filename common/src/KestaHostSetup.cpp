@@ -1,5 +1,8 @@
 #include "KestaHostSetup.h"
 
+#include "KestaProcess.h"
+
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 
@@ -9,6 +12,8 @@
 #ifndef KESTA_DEFAULT_DATA_DIR
 #define KESTA_DEFAULT_DATA_DIR "/var/opt/fernhold/"
 #endif
+
+pthread_mutex_t hKestaSettingsMutex = PTHREAD_MUTEX_INITIALIZER;
 
 namespace
 {
@@ -35,7 +40,7 @@ struct CHostValue
 };
 
 CHostValue hostValues[iParameters];
-CKestaHostSetup::LineCipher pLineCipher = nullptr;
+std::atomic<CKestaHostSetup::LineCipher> pLineCipher{nullptr};
 
 bool isParameter(int iNumber)
 {
@@ -48,6 +53,7 @@ bool CKestaHostSetup::setParameter(int iNumber, CKestaString strValue)
 {
     if (!isParameter(iNumber) || strValue.size() > ulLongestParameter)
         return false;
+    const CKestaLock lock(hKestaSettingsMutex);
     CHostValue& value = hostValues[iNumber - 1];
     std::strcpy(value.szText, strValue.c_str());
     value.bSet = true;
@@ -58,14 +64,18 @@ CKestaString CKestaHostSetup::getParameter(int iNumber)
 {
     if (!isParameter(iNumber))
         return CKestaString();
-    if (hostValues[iNumber - 1].bSet)
-        return hostValues[iNumber - 1].szText;
+    {
+        const CKestaLock lock(hKestaSettingsMutex);
+        if (hostValues[iNumber - 1].bSet)
+            return hostValues[iNumber - 1].szText;
+    }
 
     // secure_getenv answers nothing in a process with raised privileges: whoever starts such a
     // process must not choose where it reads its configuration and writes its log.
     const CParameter& parameter = parameters[iNumber - 1];
     const char* pszEnvironment = secure_getenv(parameter.szEnvironment);
-    if (pszEnvironment != nullptr && std::strlen(pszEnvironment) <= ulLongestParameter)
+    if (pszEnvironment != nullptr && *pszEnvironment != '\0' &&
+        std::strlen(pszEnvironment) <= ulLongestParameter)
         return pszEnvironment;
     return parameter.szDefault;
 }

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <exception>
 #include <string_view>
 
 namespace
@@ -93,7 +94,7 @@ KestaIPRange::KestaIPRange(CKestaString strRange)
     {
         throw CKestaExc(refException);
     }
-    catch (...)
+    catch (const std::exception&)
     {
         KESTA_DEBUG1("KestaIPRange::KestaIPRange()-Unknown Error", 3);
         throw CKestaExc("Unknown Error");

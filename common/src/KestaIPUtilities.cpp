@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <exception>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -496,7 +497,7 @@ void KestaIPUtilities::InitialiseIPv6EndAddress(const sockaddr_in6* start, Kesta
         {
             throw CKestaExc(refException);
         }
-        catch (...)
+        catch (const std::exception&)
         {
             KESTA_DEBUG1("KestaIPUtilities::InitialiseIPv6EndAddress()-Unknown Exception", 3);
             throw CKestaExc("Unknown Exception");

@@ -2,12 +2,17 @@
 
 #include "KestaException.h"
 #include "KestaHostSetup.h"
+#include "KestaProcess.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <ctime>
 #include <string_view>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,6 +23,73 @@ namespace
 constexpr std::string_view frameStart("\xFE\xFF", 2);
 constexpr std::string_view frameEnd("\0\n", 2);
 constexpr std::string_view plainEnd("\n");
+
+bool holds(const CKestaString& strMode, char c)
+{
+    return strMode.find(c) != CKestaString::npos;
+}
+
+/// What a mode of `fopen` means to the system; -1 for none.
+int openFlags(const CKestaString& strMode)
+{
+    const int iAccess = holds(strMode, '+') ? O_RDWR : holds(strMode, 'r') ? O_RDONLY : O_WRONLY;
+    const int iExclusive = holds(strMode, 'x') ? O_EXCL : 0;
+    switch (strMode.c_str()[0])
+    {
+    case 'r':
+        return iAccess;
+    case 'w':
+        return iAccess | O_CREAT | O_TRUNC | iExclusive;
+    case 'a':
+        return iAccess | O_CREAT | O_APPEND | iExclusive;
+    default:
+        return -1;
+    }
+}
+
+/// Opens a regular file or a character device; -1 when that fails. Neither this nor a write ever
+/// waits: a terminal whose output is stopped loses lines, as a full disk does.
+int openFile(const char* pszPath, int iFlags)
+{
+    if (iFlags == -1)
+        return -1;
+    // A program that the host executes must not inherit the file, and a terminal must not become
+    // the host's.
+    int iFile = open(pszPath, iFlags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
+    if (iFile >= 0 && iFile <= STDERR_FILENO)
+    {
+        // The host has closed a standard file; what it prints all the same must not land here.
+        const int iLow = iFile;
+        iFile = fcntl(iLow, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+        close(iLow);
+    }
+    struct stat status = {};
+    if (iFile < 0 ||
+        (fstat(iFile, &status) == 0 && (S_ISREG(status.st_mode) || S_ISCHR(status.st_mode))))
+        return iFile;
+    close(iFile);
+    return -1;
+}
+
+bool isSameFile(const struct stat& left, const struct stat& right)
+{
+    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+}
+
+/// True also for a file that could not be opened.
+bool isStillAt(int iFile, const CKestaString& strPath)
+{
+    struct stat own;
+    struct stat found;
+    return fstat(iFile, &own) != 0 ||
+           (stat(strPath.c_str(), &found) == 0 && isSameFile(own, found));
+}
+
+bool isLarger(const CKestaString& strPath, long lLimit)
+{
+    struct stat status;
+    return stat(strPath.c_str(), &status) == 0 && status.st_size > lLimit;
+}
 
 bool hasFileSizeLimit()
 {
@@ -62,29 +134,69 @@ CKestaLineFile::~CKestaLineFile()
 void CKestaLineFile::open(const CKestaString& strPath, const CKestaString& strMode,
                           bool bEnciphered)
 {
+    const CKestaNoCancellation noCancellation;
     close();
-    // "e": a program that the host executes must not inherit the file.
-    m_pFile = std::fopen(strPath.c_str(), (strMode + "e").c_str());
-    if (m_pFile == nullptr)
+    const int iFlags = openFlags(strMode);
+    m_iFile = openFile(strPath.c_str(), iFlags);
+    if (m_iFile < 0)
         throw CKestaExc(1008, "Kesta_Fernhold", strPath);
+    if ((iFlags & (O_APPEND | O_RDWR)) == O_APPEND)
+        lseek(m_iFile, 0, SEEK_END);   // where the position counts from, unless reading is allowed
     m_bEnciphered = bEnciphered;
     m_bAtStart = true;
 }
 
 bool CKestaLineFile::isOpen() const
 {
-    return m_pFile != nullptr;
+    return m_iFile >= 0;
 }
 
 void CKestaLineFile::close()
 {
-    if (m_pFile != nullptr)
-        std::fclose(m_pFile);
-    m_pFile = nullptr;
+    const CKestaNoCancellation noCancellation;
+    if (isOpen())
+        ::close(m_iFile);
+    m_iFile = -1;
+}
+
+void CKestaLineFile::rollOver(const CKestaString& strPath, const CKestaString& strNewPath,
+                              long lLimit)
+{
+    const CKestaNoCancellation noCancellation;
+    if (isLarger(strPath, lLimit))
+        renameLocked(strPath, strNewPath, lLimit);
+    close();
+}
+
+// The lock is that of the file to be renamed, which need not be this one. It is not waited for: who
+// holds it is rolling that very file over.
+void CKestaLineFile::renameLocked(const CKestaString& strPath, const CKestaString& strNewPath,
+                                  long lLimit) const
+{
+    const int iFound = ::open(strPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    const bool bLocked = flock(iFound, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+    if (bLocked && isLarger(strPath, lLimit) && isStillAt(iFound, strPath) &&
+        !isRolledOver(strPath, strNewPath))
+        std::rename(strPath.c_str(), strNewPath.c_str());
+    if (iFound >= 0)
+        ::close(iFound);
+}
+
+// Another process may have been first: then the file at the path has not grown yet, and renaming it
+// would destroy the full log that this file has become. A file that somebody else has put there is
+// taken for the log.
+bool CKestaLineFile::isRolledOver(const CKestaString& strPath, const CKestaString& strNewPath) const
+{
+    struct stat own;
+    struct stat found;
+    struct stat old;
+    return fstat(m_iFile, &own) == 0 && stat(strPath.c_str(), &found) == 0 &&
+           !isSameFile(own, found) && stat(strNewPath.c_str(), &old) == 0 && isSameFile(own, old);
 }
 
 bool CKestaLineFile::writeLine(std::string strLine)
 {
+    const CKestaNoCancellation noCancellation;
     if (!isOpen() || (m_bEnciphered && !encipher(strLine)))
         return false;
     const std::string_view lineEnd = m_bEnciphered ? frameEnd : plainEnd;
@@ -115,15 +227,15 @@ bool CKestaLineFile::encipher(std::string& strLine)
     strLine += frameEnd;
     // A file opened to append counts its position from 0 at every open, whatever it holds: the
     // marks stand amid a log that was opened again, too.
-    if (m_bAtStart && std::ftell(m_pFile) == 0)
+    if (m_bAtStart && lseek(m_iFile, 0, SEEK_CUR) == 0)
         strLine.insert(0, frameStart);
     return true;
 }
 
 bool CKestaLineFile::write(const std::string& strBytes)
 {
-    // Past the stream's buffer: what a full disk refuses must not wait there and come out later.
-    const ssize_t lWritten = ::write(fileno(m_pFile), strBytes.data(), strBytes.size());
+    // Without a buffer: what a full disk refuses must not wait there and come out later.
+    const ssize_t lWritten = ::write(m_iFile, strBytes.data(), strBytes.size());
     const bool bWhole = lWritten == static_cast<ssize_t>(strBytes.size());
     if (lWritten > 0)
     {
@@ -136,12 +248,11 @@ bool CKestaLineFile::write(const std::string& strBytes)
 // An empty file, and one that can't be looked at, count as ending with a whole line.
 bool CKestaLineFile::endsWith(std::string_view lineEnd) const
 {
-    const int iFile = fileno(m_pFile);
     struct stat status;
-    if (fstat(iFile, &status) != 0 || status.st_size == 0)
+    if (fstat(m_iFile, &status) != 0 || status.st_size == 0)
         return true;
     std::string strTail(lineEnd.size(), ' ');
     const off_t lTail = status.st_size - static_cast<off_t>(strTail.size());
-    const ssize_t lRead = pread(iFile, strTail.data(), strTail.size(), std::max<off_t>(lTail, 0));
+    const ssize_t lRead = pread(m_iFile, strTail.data(), strTail.size(), std::max<off_t>(lTail, 0));
     return lRead < 0 || strTail == lineEnd;
 }

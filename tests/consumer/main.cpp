@@ -2,7 +2,7 @@
 // told the version that it is linked with.
 
 #include "KestaDate.h"
-#include "KestaDebug.h"
+#include "KestaEntry.h"
 #include "KestaException.h"
 #include "KestaIPRange.h"
 #include "KestaIPv4Address.h"
@@ -13,7 +13,7 @@
 
 int main()
 {
-    initialize();
+    const CKestaEntry entry;
     const KestaIPRange range("10.1.*.*");
     const KestaIPv4Address inside("10.1.2.3"), outside("10.2.0.1");
     bool good = range.isMember(&inside) && !range.isMember(&outside);
@@ -31,7 +31,6 @@ int main()
     {
         caught = exc.GetErrorMessage() == "Not a valid IP address no address";
     }
-    unInitialize();
 
     std::cout << KESTA_VERSION_MAJOR << '.' << KESTA_VERSION_MINOR << '.' << KESTA_VERSION_PATCH
               << '\n';

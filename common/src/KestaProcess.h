@@ -1,0 +1,71 @@
+#ifndef KESTA_PROCESS_H
+#define KESTA_PROCESS_H
+
+#include <new>
+#include <utility>
+
+#include <pthread.h>
+
+// What keeps process-wide state whole: among threads, under cancellation, and to the very end of
+// the process.
+
+/// Holds a mutex while it lives.
+class CKestaLock
+{
+public:
+    explicit CKestaLock(pthread_mutex_t& hMutex) : m_hMutex(hMutex) { pthread_mutex_lock(&hMutex); }
+
+    ~CKestaLock() { pthread_mutex_unlock(&m_hMutex); }
+
+    CKestaLock(const CKestaLock&) = delete;
+    CKestaLock& operator=(const CKestaLock&) = delete;
+
+private:
+    pthread_mutex_t& m_hMutex;
+};
+
+/// While it lives, the thread is not cancelled: what has been begun, such as closing a file in a
+/// destructor, is completed. A request that comes meanwhile waits.
+class CKestaNoCancellation
+{
+public:
+    CKestaNoCancellation() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_iBefore); }
+
+    ~CKestaNoCancellation() { pthread_setcancelstate(m_iBefore, nullptr); }
+
+    CKestaNoCancellation(const CKestaNoCancellation&) = delete;
+    CKestaNoCancellation& operator=(const CKestaNoCancellation&) = delete;
+
+private:
+    int m_iBefore = PTHREAD_CANCEL_ENABLE;
+};
+
+/// A value that is never destroyed, so that it can be used while a process ends: handlers that run
+/// after the destructors of the library's statics may still trace.
+template <class T>
+class CKestaImmortal
+{
+public:
+    CKestaImmortal() { new (&m_storage) T; }
+
+    CKestaImmortal(const CKestaImmortal&) = delete;
+    CKestaImmortal& operator=(const CKestaImmortal&) = delete;
+
+    T& get() { return *std::launder(reinterpret_cast<T*>(&m_storage)); }
+
+    /// Back to the initial value; nothing is held on the heap for it.
+    void renew()
+    {
+        get().~T();
+        new (&m_storage) T;
+    }
+
+private:
+    alignas(T) unsigned char m_storage[sizeof(T)];
+};
+
+/// Guards the host set-up and the configuration. Held to copy values in or out only: no call of the
+/// host, of the file system or of anything else that waits is made under it.
+extern pthread_mutex_t hKestaSettingsMutex;
+
+#endif

@@ -1,0 +1,363 @@
+// Entries of several threads, of forked processes, and of threads that are cancelled.
+
+#include "support.h"
+
+#include "KestaConfiguration.h"
+#include "KestaIPRange.h"
+
+#include <atomic>
+#include <functional>
+#include <future>
+#include <map>
+#include <thread>
+
+#include <fcntl.h>
+
+using EntriesTest = TraceFixture;
+
+static void inThread(const std::function<void()>& work) { std::thread(work).join(); }
+
+static bool mutexIsFree()
+{
+    const bool free = pthread_mutex_trylock(&ghMutex) == 0;
+    if (free)
+        pthread_mutex_unlock(&ghMutex);
+    return free;
+}
+
+// What another thread does while this one is in an entry with tracing, and what becomes of it.
+TEST_F(EntriesTest, OfAnotherThreadKeepTheLog)
+{
+    const auto trace = [] { KESTA_DEBUG1("other", 1); };
+    const auto end = [] { unInitialize(); };
+    const struct
+    {
+        const char* what;
+        std::function<void()> work;
+        Lines want;
+        bool mutexFree;
+    } rows[] = {{"no entry: traces", trace, {"first", "other", "last"}, false},
+        {"no entry: turns the switch off", [] { CKestaDebug::enable(false); }, {"first"}, false},
+        {"no entry: ends the one in progress", end, {"first"}, true},
+        {"level 0: traces",
+            [&]
+            {
+                const CKestaEntry own;
+                trace();
+            },
+            {"first", "last"}, false},
+        {"level 0: writes",
+            []
+            {
+                const CKestaEntry own;
+                CKestaDebug::writeMessage("x\n");
+            },
+            {"first", "last"}, false},
+        {"level 0: turns the switch off",
+            []
+            {
+                const CKestaEntry own;
+                CKestaDebug::enable(false);
+            },
+            {"first", "last"}, false},
+        {"level 0, nested", [] { const CKestaEntry own, inner; }, {"first", "last"}, false},
+        {"level 0, and once more",
+            [&]
+            {
+                {
+                    const CKestaEntry own;
+                }
+                end();
+            },
+            {"first"}, true}};
+    for (const auto& row : rows)
+        inChild(
+            [&]
+            {
+                SCOPED_TRACE(row.what);
+                std::filesystem::remove(logPath());
+                configure("DEBUGLEVEL=3");
+                initialize();
+                configure("DEBUGLEVEL=0");
+                KESTA_DEBUG1("first", 1);
+                inThread(row.work);
+                EXPECT_EQ(mutexIsFree(), row.mutexFree);
+                KESTA_DEBUG1("last", 1);
+                unInitialize();
+                EXPECT_TRUE(mutexIsFree());
+                EXPECT_EQ(messages(), row.want);
+            });
+}
+
+// Each entry is written whole or not at all, and lines of threads without an entry stand between.
+TEST_F(EntriesTest, StayWholeWhileTheConfigurationChanges)
+{
+    configure("DEBUGITEMS=0");
+    CKestaConfiguration::initialize("KestaDebug.ini");
+    std::atomic<bool> stop{false};
+    std::atomic<int> made{0};
+    std::vector<std::thread> threads;
+    const auto start = [&](const std::function<void()>& work)
+    {
+        threads.emplace_back(
+            [&stop, work]
+            {
+                while (!stop)
+                    work();
+            });
+    };
+    for (int thread = 0; thread < 8; ++thread)
+        start(
+            [&made, thread]
+            {
+                const CKestaEntry entry;
+                for (const char* step : {"a", "b", "c"})
+                    KESTA_DEBUG1(CKestaString(thread) + step, 3);
+                ++made;
+            });
+    for (const char* text : {"10.1.*.*", "no range"})
+        start([text] { errorOf([text] { KestaIPRange range(text); }); });
+    start(
+        [this]
+        {
+            CKestaHostSetup::setParameter(CKestaHostSetup::KESTA_DATA_DIR, dir);
+            const CKestaString items = CKestaConfiguration::getDebugItems();
+            EXPECT_EQ(items.find_first_not_of(items.c_str()[0]), items.npos) << items;
+        });
+    const char levels[] = {'0', '3', '0', '4'};
+    for (int change = 0; change < 100; ++change)
+    {
+        const char level = levels[change % 4];
+        configure(
+            "DEBUGLEVEL=" + std::string(1, level) + "\nDEBUGITEMS=" + std::string(999, level));
+        for (const int before = made; made < before + 3;)
+            std::this_thread::yield();
+    }
+    stop = true;
+    for (std::thread& thread : threads)
+        thread.join();
+
+    std::string steps;
+    for (const std::string& line : messages())
+    {
+        if (line.size() == 2)
+            steps += line;
+        else
+            EXPECT_EQ(line.find("[MSG]", 1), line.npos) << "two in one: " << line;
+    }
+    EXPECT_GT(steps.size(), 0u);
+    for (std::size_t at = 0; at < steps.size(); at += 6)
+    {
+        const std::string thread(1, steps[at]);
+        ASSERT_EQ(steps.substr(at, 6), thread + "a" + thread + "b" + thread + "c");
+    }
+}
+
+TEST_F(EntriesTest, HostsMayHoldTheMutexThemselves)
+{
+    pthread_mutex_lock(&ghMutex);
+    std::promise<void> begun;
+    std::thread waiting(
+        [&]
+        {
+            begun.set_value();
+            traceLine("waited");
+        });
+    begun.get_future().wait();
+    inThread([] { unInitialize(); });   // of a thread without an entry: releases it all the same
+    waiting.join();
+    EXPECT_EQ(messages(), Lines{"waited"});
+}
+
+TEST_F(EntriesTest, MayBeHandedFromThreadToThread)
+{
+    std::promise<void> begun, ended;
+    initialize();
+    std::thread other(
+        [&]
+        {
+            unInitialize();
+            initialize();
+            begun.set_value();
+            ended.get_future().wait();
+        });
+    begun.get_future().wait();
+    KESTA_DEBUG1("in no entry", 1);
+    unInitialize();
+    EXPECT_TRUE(mutexIsFree());
+    ended.set_value();
+    other.join();
+    EXPECT_EQ(messages(), Lines{"in no entry"});
+}
+
+TEST_F(EntriesTest, EndWithAnException)
+{
+    EXPECT_THROW(
+        {
+            const CKestaEntry entry;
+            KestaIPRange("no range");
+        },
+        CKestaExc);
+    EXPECT_TRUE(mutexIsFree());
+    EXPECT_FALSE(CKestaDebug::isTraced(1));
+}
+
+TEST_F(EntriesTest, EndWithTheirThread)
+{
+    configure("DEBUGSIZE=0");
+    inThread(
+        []
+        {
+            initialize();
+            KESTA_DEBUG1("not ended", 1);
+        });
+    EXPECT_TRUE(mutexIsFree());
+    EXPECT_EQ(fileText(oldLogPath()), "[MSG]:FH:not ended\n") << "rolled over";
+}
+
+// Threads are cancelled wherever they may be; each time the next entry must find all in order.
+TEST_F(EntriesTest, OfCancelledThreadsEnd)
+{
+    const auto guarded = [](void*) -> void*
+    {
+        for (;;)
+        {
+            const CKestaEntry entry;
+            const KestaIPRange range("10.1.*.*");
+        }
+    };
+    const auto plain = [](void*) -> void*
+    {
+        for (;;)
+        {
+            initialize();
+            errorOf([] { KestaIPRange range("10.1.2.*.5"); });
+            unInitialize();
+        }
+    };
+    const auto within = [](void*) -> void*
+    {
+        const CKestaEntry entry;
+        for (;; pthread_testcancel())
+            const KestaIPRange range("2001:db8::/32");
+    };
+    for (void* (*work)(void*) : {+guarded, +plain, +within})
+        for (const char* settings :
+            {"DEBUGLEVEL=3", "DEBUGLEVEL=0", "DEBUGFILEPATH=/missing\nDEBUG=N"})
+        {
+            SCOPED_TRACE(settings);
+            configure(settings);
+            for (int i = 0; i < 20; ++i)
+            {
+                pthread_t thread;
+                void* result = nullptr;
+                ASSERT_EQ(pthread_create(&thread, nullptr, work, nullptr), 0);
+                for (int yields = 0; yields < i; ++yields)
+                    std::this_thread::yield();
+                pthread_cancel(thread);
+                pthread_join(thread, &result);
+                EXPECT_EQ(result, PTHREAD_CANCELED);
+                EXPECT_TRUE(mutexIsFree());
+            }
+        }
+}
+
+TEST_F(EntriesTest, MayBeCancelledWhileTheyWait)
+{
+    const CKestaEntry entry;
+    std::promise<void> begun;
+    std::thread waiting(
+        [&]
+        {
+            begun.set_value();
+            initialize();
+            ADD_FAILURE() << "there can't be two";
+        });
+    begun.get_future().wait();
+    pthread_cancel(waiting.native_handle());
+    waiting.join();
+    KESTA_DEBUG1("still in progress", 1);
+    EXPECT_EQ(messages(), Lines{"still in progress"});
+}
+
+TEST_F(EntriesTest, OfForkedChildren)
+{
+    std::atomic<bool> stop{false};
+    std::atomic<int> lines{0};
+    configure("DEBUGLEVEL=3");
+    std::thread parent(
+        [&]
+        {
+            const CKestaEntry entry;
+            while (!stop)
+            {
+                KESTA_DEBUG1("parent", 1);
+                ++lines;
+            }
+        });
+    while (lines == 0)
+        std::this_thread::yield();
+    for (int i = 0; i < 20; ++i)
+        inChild(
+            [&]
+            {
+                EXPECT_FALSE(CKestaDebug::isTraced(1)) << "the entry is the parent's";
+                traceLine("child");
+            });
+    stop = true;
+    parent.join();
+    const Lines all = messages();
+    EXPECT_EQ(std::count(all.begin(), all.end(), "parent"), lines);
+    EXPECT_EQ(std::count(all.begin(), all.end(), "child"), 20);
+}
+
+// A child may go on with the entry that it was forked in, end it, or make one of its own; the log
+// is the parent's to roll over.
+TEST_F(EntriesTest, OfTheParentAreNotTheChildsToRollOver)
+{
+    configure("DEBUGSIZE=0");
+    {
+        const CKestaEntry entry;
+        KESTA_DEBUG1("parent", 1);
+        inChild(
+            []
+            {
+                KESTA_DEBUG1("child", 1);
+                unInitialize();
+                KESTA_DEBUG1("dropped", 1);
+            });
+        configure("DEBUGSIZE=1000");
+        inChild([this] { traceLine("own"); });
+        EXPECT_EQ(messages(), (Lines{"parent", "child", "own"}));
+    }
+    EXPECT_EQ(Lines(fileText(oldLogPath())).size(), 3u);
+}
+
+// Two processes have the log open; the one that comes second must not roll over its successor.
+TEST_F(EntriesTest, OfTwoProcessesLoseNoFullLog)
+{
+    configure("DEBUGSIZE=0");
+    int toSecond[2], toFirst[2];
+    char byte = 0;
+    ASSERT_EQ(pipe(toSecond), 0);
+    ASSERT_EQ(pipe(toFirst), 0);
+    const pid_t second = fork();
+    if (second == 0)
+    {
+        initialize();
+        KESTA_DEBUG1("second", 1);
+        const bool told = write(toFirst[1], "", 1) == 1 && read(toSecond[0], &byte, 1) == 1;
+        unInitialize();
+        _exit(told ? 0 : 1);
+    }
+    ASSERT_EQ(read(toFirst[0], &byte, 1), 1);
+    traceLine("first");   // and rolls over
+    configure("");
+    traceLine("next");
+    ASSERT_EQ(write(toSecond[1], "", 1), 1);
+    int status = -1;
+    waitpid(second, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(fileText(oldLogPath()), "[MSG]:FH:second\n[MSG]:FH:first\n");
+    EXPECT_EQ(messages(), Lines{"next"});
+}

@@ -1,0 +1,65 @@
+// The library is loaded and unloaded again and again, and used by a handler that was registered
+// before it was loaded, and so runs after its own.
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <string>
+
+#include <dlfcn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+static void* part = nullptr;
+
+template <class Function>
+static Function* find(const char* name)
+{
+    return reinterpret_cast<Function*>(dlsym(part, name));
+}
+
+static void traceAtExit() { find<void(const char*)>("trace")("at exit"); }
+
+static int host(const char* path, const std::string& directory)
+{
+    std::atexit(&traceAtExit);
+    for (int time = 0; time < 50; ++time)
+    {
+        if (part != nullptr)
+            dlclose(part);
+        part = dlopen(path, RTLD_NOW);
+        if (part == nullptr)
+            return 1;
+        find<void(const char*)>("setUp")(directory.c_str());
+        find<void(const char*)>("trace")("loaded");
+    }
+    return 0;
+}
+
+int main(int, char** arguments)
+{
+    const std::string directory = std::string(arguments[2]) + "/";
+    std::filesystem::remove_all(directory);
+    std::filesystem::create_directories(directory + "conf");
+    std::filesystem::create_directories(directory + "log");
+    std::ofstream(directory + "conf/KestaDebug.ini")
+        << "DEBUG=Y\nDEBUGLEVEL=52813\nDEBUGSIZE=1000\nDEBUGITEMS=" << std::string(500, 'x')
+        << "\n";
+    const pid_t child = fork();
+    if (child == 0)
+        std::exit(host(arguments[1], directory));
+    int status = -1;
+    waitpid(child, &status, 0);
+
+    std::string want;
+    for (int time = 0; time < 50; ++time)
+        want += "[MSG]:FH:loaded\n";
+    want += "[MSG]:FH:at exit\n";
+    std::ifstream log(directory + "log/KestaDebug_C.log", std::ios::binary);
+    const std::string got{std::istreambuf_iterator<char>(log), {}};
+    if (status != 0 || got != want)
+        std::cerr << "status " << status << ", log:\n" << got;
+    return status == 0 && got == want ? 0 : 1;
+}

@@ -1,0 +1,26 @@
+#ifndef KESTA_ARGUMENT_H
+#define KESTA_ARGUMENT_H
+
+#include "KestaDate.h"
+#include "KestaIPAddress.h"
+
+#include <memory>
+#include <string>
+
+/// Each makes what an argument stands for, and throws `CKestaToolError` that names the argument and
+/// says what is expected.
+
+/// An address; one that holds a ":" is an IPv6 address.
+std::unique_ptr<KestaIPAddress> readAddressArgument(const std::string& strText);
+
+/// A date, month/day/year.
+CKestaDate readDate(const std::string& strName, const std::string& strText);
+
+/// A number of an option, both limits included.
+long readNumber(const std::string& strName, const std::string& strText, long lLowest,
+                long lHighest);
+
+/// Reads a whole text as a decimal number, both limits included; returns false for another text.
+bool scanNumber(const std::string& strText, long lLowest, long lHighest, long& lNumber);
+
+#endif

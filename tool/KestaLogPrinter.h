@@ -1,0 +1,36 @@
+#ifndef KESTA_LOG_PRINTER_H
+#define KESTA_LOG_PRINTER_H
+
+#include "KestaLogDecoder.h"
+
+#include <string>
+#include <string_view>
+
+class CKestaOutput;
+
+/// Shows the bytes of a trace log as plain text, by whole lines: those of several logs may
+/// alternate on one output.
+///
+/// On a terminal everything that it could obey is escaped, for a traced text may come from anyone.
+/// Elsewhere the bytes are as they are.
+class CKestaLogPrinter
+{
+public:
+    explicit CKestaLogPrinter(CKestaOutput& output);
+
+    /// Writes what is complete with these bytes. A line without an end is written by long pieces.
+    void print(std::string_view bytes);
+
+    /// The end of the log: writes what was held back, as a whole line.
+    void finish();
+
+private:
+    void write(std::size_t ulLength);
+
+    CKestaOutput& m_output;
+    bool m_bTerminal;
+    CKestaLogDecoder m_decoder;
+    std::string m_strText;   // decoded, and not written yet
+};
+
+#endif

@@ -1,0 +1,45 @@
+#include "KestaProgress.h"
+
+#include "KestaToolText.h"
+
+#include <algorithm>
+
+#include <unistd.h>
+
+namespace
+{
+
+bool bShown = false;
+
+void writeToTerminal(const std::string& strText)
+{
+    // A terminal that takes no more text is no reason to stop the work.
+    [[maybe_unused]] const ssize_t lWritten = write(STDERR_FILENO, strText.data(), strText.size());
+}
+
+}   // namespace
+
+CKestaProgress::CKestaProgress(const CKestaInput& input)
+    : m_input(input), m_ullSize(isatty(STDERR_FILENO) == 1 ? input.size() : 0),
+      m_next(CClock::now() + std::chrono::seconds(1))
+{
+}
+
+void CKestaProgress::advance(std::size_t ulBytes)
+{
+    m_ullRead += ulBytes;
+    if (m_ullSize == 0 || CClock::now() < m_next)
+        return;
+    m_next = CClock::now() + std::chrono::milliseconds(200);
+    const std::uint64_t ullPercent = std::min<std::uint64_t>(m_ullRead / (m_ullSize / 100 + 1), 99);
+    hide();
+    writeToTerminal(printable(m_input.name()) + ": " + std::to_string(ullPercent) + " %");
+    bShown = true;
+}
+
+void CKestaProgress::hide()
+{
+    if (bShown)
+        writeToTerminal("\r\x1b[K");
+    bShown = false;
+}

@@ -1,0 +1,35 @@
+#ifndef KESTA_PROGRESS_H
+#define KESTA_PROGRESS_H
+
+#include "KestaInput.h"
+
+#include <chrono>
+
+/// Shows how much of a file has been read, once that takes more than a second. Only a terminal's
+/// standard error shows it, and only for files whose size is known; it goes when the object does.
+class CKestaProgress
+{
+public:
+    /// REQUIRES: the input outlives the object.
+    explicit CKestaProgress(const CKestaInput& input);
+    ~CKestaProgress() { hide(); }
+
+    CKestaProgress(const CKestaProgress&) = delete;
+    CKestaProgress& operator=(const CKestaProgress&) = delete;
+
+    /// So many more bytes were read.
+    void advance(std::size_t ulBytes);
+
+    /// Clears what is shown; to be called before anything else is written to the terminal.
+    static void hide();
+
+private:
+    typedef std::chrono::steady_clock CClock;
+
+    const CKestaInput& m_input;
+    const std::uint64_t m_ullSize;   // 0: nothing is shown
+    std::uint64_t m_ullRead = 0;
+    CClock::time_point m_next;   // when to show it next
+};
+
+#endif

@@ -1,0 +1,162 @@
+#include "KestaRangeArgument.h"
+
+#include "KestaAddressInterval.h"
+#include "KestaArgument.h"
+#include "KestaDebug.h"
+#include "KestaException.h"
+#include "KestaToolError.h"
+#include "KestaToolText.h"
+
+#include <algorithm>
+
+#include <sys/stat.h>
+
+namespace
+{
+
+std::string withStarsZero(std::string strText)
+{
+    std::replace(strText.begin(), strText.end(), '*', '0');
+    return strText;
+}
+
+std::string endsOf(const CKestaAddressInterval& interval)
+{
+    const std::string strFirst = textOf(interval.bIPv6, interval.first);
+    return interval.first == interval.last
+               ? strFirst
+               : strFirst + " to " + textOf(interval.bIPv6, interval.last);
+}
+
+// What a user may not expect of an IPv4 text; empty when it is as it looks.
+std::string explanation(const std::string& strText, const CKestaAddressInterval& interval)
+{
+    if (interval.bIPv6)
+        return "";
+    const std::string strIPv4 = strText.substr(strText.rfind(':') + 1);   // also when mapped
+    if (withStarsZero(strIPv4) != textOf(false, interval.first))
+    {
+        const std::string strReading = "is read as " + endsOf(interval);
+        const std::size_t ulLast = strIPv4.rfind(".*");
+        if (ulLast == std::string::npos || ulLast + 2 != strIPv4.size())
+            return strReading;
+        std::string strBlock = strIPv4;
+        for (auto lDots = std::count(strIPv4.begin(), strIPv4.end(), '.'); lDots < 3; ++lDots)
+            strBlock += ".*";
+        return strReading + "; for the whole block write " + strBlock;
+    }
+    const std::size_t ulStar = strIPv4.find('*');
+    if (ulStar != std::string::npos && strIPv4.find_first_not_of(".*", ulStar) != std::string::npos)
+        return "holds every address from " + endsOf(interval);
+    return "";
+}
+
+// An IPv4 text whose last numbers are stars.
+std::string starForm(CKestaIPv6Number address, int iStars)
+{
+    std::string strText = textOf(false, address);
+    for (int i = 0; i < iStars; ++i)
+        strText.erase(strText.rfind('.'));
+    for (int i = 0; i < iStars; ++i)
+        strText += ".*";
+    return strText;
+}
+
+// The range texts that hold just these IPv4 addresses, if they are alike but for one number.
+std::string starForms(const CKestaAddressInterval& interval)
+{
+    if (interval.first == 0)
+        return "several ranges, none of which may begin with 0.0.0.0";
+    for (int iStars = 3; iStars >= 0; --iStars)
+    {
+        const CKestaIPv6Number rest = (CKestaIPv6Number{1} << 8 * iStars) - 1;
+        if ((interval.first & rest) != 0 || (interval.last & rest) != rest ||
+            interval.first >> 8 >> 8 * iStars != interval.last >> 8 >> 8 * iStars)
+            continue;
+        const std::string strFirst = starForm(interval.first, iStars);
+        const std::string strLast = starForm(interval.last, iStars);
+        return strFirst == strLast ? strFirst : "each of " + strFirst + " to " + strLast;
+    }
+    return "several ranges";
+}
+
+// Reads an address in its usual form, quietly.
+bool scanAddress(const std::string& strText, CKestaAddressNumber& address)
+{
+    std::uint32_t uIPv4 = 0;
+    const char* const pIPv4End = scanIPv4(strText.c_str(), uIPv4);
+    address.bIPv6 = pIPv4End == nullptr;
+    address.number = uIPv4;
+    const char* const pEnd = address.bIPv6 ? scanIPv6(strText.c_str(), address.number) : pIPv4End;
+    return pEnd != nullptr && *pEnd == '\0';
+}
+
+// What to write instead of ADDRESS/LENGTH; empty for another text.
+std::string insteadOfPrefix(const std::string& strText)
+{
+    const std::size_t ulSlash = strText.find('/');
+    CKestaAddressNumber address;
+    if (ulSlash == std::string::npos || !scanAddress(strText.substr(0, ulSlash), address))
+        return "";
+    long lLength = 0;
+    if (!scanNumber(strText.substr(ulSlash + 1), 0, address.bIPv6 ? 128 : 32, lLength))
+        return "";
+    const CKestaAddressInterval block =
+        blockAt(address.bIPv6, address.number, static_cast<int>(lLength));
+    if (block.bIPv6 && block.first == address.number)
+        return "";
+    if (block.bIPv6)
+        return "a block is written with its first address; write " + blocksOf(block).front();
+    return "IPv4 ranges have no prefix length; write " + starForms(block);
+}
+
+// What to write instead of ADDRESS-ADDRESS; empty for another text.
+std::string insteadOfDash(const std::string& strText)
+{
+    const std::size_t ulDash = strText.find('-');
+    CKestaAddressNumber first;
+    CKestaAddressNumber last;
+    if (ulDash == std::string::npos || !scanAddress(strText.substr(0, ulDash), first) ||
+        !scanAddress(strText.substr(ulDash + 1), last) || first.bIPv6 != last.bIPv6 ||
+        first.number > last.number)
+        return "";
+    const CKestaAddressInterval interval{first.bIPv6, first.number, last.number};
+    const std::vector<std::string> blocks = blocksOf(interval);
+    return "ranges have no dash; write " + (!interval.bIPv6      ? starForms(interval)
+                                            : blocks.size() == 1 ? blocks.front()
+                                                                 : "several ranges");
+}
+
+std::string whatIsWrong(const std::string& strText, const CKestaExc& exc)
+{
+    struct stat file;
+    if (!strText.empty() && stat(strText.c_str(), &file) == 0)
+        return "this is a file; kesta filter takes RANGE before FILE, and -f FILE for a file of "
+               "ranges";
+    for (const auto instead : {&insteadOfPrefix, &insteadOfDash})
+    {
+        if (const std::string strInstead = instead(strText); !strInstead.empty())
+            return strInstead;
+    }
+    return withoutEndBlanks(exc.GetErrorMessage()) + "; see 'kesta range --help'";
+}
+
+}   // namespace
+
+std::unique_ptr<KestaIPRange> readRange(const std::string& strText, const std::string& strPlace)
+{
+    const std::string strName = strPlace + "range " + inQuotes(strText);
+    try
+    {
+        auto pRange = std::make_unique<KestaIPRange>(strText);
+        const std::string strExplanation = explanation(strText, intervalOf(*pRange));
+        if (!strExplanation.empty())
+            report(strName + " " + strExplanation);
+        return pRange;
+    }
+    catch (const CKestaExc& exc)
+    {
+        CKestaDebug::logMessage(exc);
+        throw CKestaToolError(strName + ": " + whatIsWrong(strText, exc));
+    }
+}
