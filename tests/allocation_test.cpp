@@ -81,6 +81,8 @@ TEST(Allocations, AreAsFewAsPromised)
     EXPECT_EQ(countOf([&] { const CKestaString copy(text); }), 1) << "the counter counts";
 
     EXPECT_EQ(countOf([] { KESTA_DEBUG1("In a rather long trace message", 3); }), 0);
+    EXPECT_EQ(countOf([&] { KESTA_DEBUG1(text, 3); }), 0);
+    EXPECT_EQ(countOf([&] { KESTA_DEBUG2(text, text, 3); }), 0);
     EXPECT_EQ(countOf([&] { KESTA_DEBUG2(text, "a rather long trace message", 3); }), 0);
     EXPECT_EQ(countOf([&] { CKestaDebug::logMessage(text, text, text, 3); }), 0);
 

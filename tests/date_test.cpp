@@ -3,6 +3,7 @@
 #include "KestaDate.h"
 
 #include <climits>
+#include <ctime>
 
 static std::string fields(const CKestaDate& date)
 {
@@ -10,41 +11,88 @@ static std::string fields(const CKestaDate& date)
            std::to_string(date.getYear());
 }
 
-TEST(Date, TextsAndClampedFields)
+TEST(Date, Texts)
 {
-    CKestaDate date("12/25");
-    EXPECT_EQ(fields(date), "12/25/25") << "a missing part repeats the last";
-    EXPECT_EQ(fields(CKestaDate("12252007")), "0/0/0");
-    EXPECT_EQ(fields(CKestaDate("x/ 5y/-3/4")), "0/5/-3");
-    EXPECT_TRUE(date.setDate(2, 29, 2024) == 1 && fields(date) == "2/28/2024");
-    EXPECT_TRUE(date.setDate(2, 29, 2000) == 0 && fields(date) == "2/29/2000");
-    EXPECT_TRUE(date.setDate(0, 0, 1200) == 1 && fields(date) == "1/1/1500");
-    EXPECT_TRUE(date.setDate(13, 40, 5000) == 1 && fields(date) == "12/31/4000");
-    EXPECT_EQ(CKestaDate("-1/1/1").DaysThisMonth(), 0);
+    const char* const rows[][2] = {{"12/25", "12/25/25"},   // a missing part repeats the last
+        {"12252007", "0/0/0"}, {"x/ 5y/-3/4", "0/5/-3"}};
+    for (const auto& [text, want] : rows)
+        EXPECT_EQ(fields(CKestaDate(text)), want);
+}
+
+TEST(Date, ClampedFields)
+{
+    const std::tuple<int, int, int, int, const char*> rows[] = {{2, 29, 2024, 1, "2/28/2024"},
+        {2, 29, 2000, 0, "2/29/2000"}, {0, 0, 1200, 1, "1/1/1500"}, {13, 40, 5000, 1, "12/31/4000"},
+        {6, 31, 2007, 1, "6/30/2007"}, {12, 31, 4000, 0, "12/31/4000"},
+        {1, 1, 1500, 0, "1/1/1500"}};
+    for (const auto& [month, day, year, corrected, want] : rows)
+    {
+        CKestaDate date;
+        EXPECT_EQ(date.setDate(month, day, year), corrected) << want;
+        EXPECT_EQ(fields(date), want);
+    }
+}
+
+TEST(Date, Months)
+{
+    std::string months;
+    for (int month = -1; month <= 13; ++month)
+    {
+        const CKestaDate date(CKestaString(month) + "/1/2007");
+        months += date.getMonthString() + CKestaString(date.DaysThisMonth()) + ' ';
+    }
+    EXPECT_EQ(months,
+        " 0  0 Jan31 Feb28 Mar31 Apr30 May31 Jun30 Jul31 Aug31 Sep30 Oct31 Nov30 Dec31  0 ");
 }
 
 TEST(Date, Formats)
 {
     const CKestaDate date("3/5/2007"), wrong("13/5/-103");
-    EXPECT_TRUE(date.getDateString(0) == "Mar 5, 2007" && date.getDateString(7) == "Mar 5, 2007");
-    EXPECT_EQ(date.getDateString(CKestaDate::MMDDYYYY), "03/05/2007");
-    EXPECT_EQ(wrong.getDateString(CKestaDate::DDMonYYYY), "5   -103");
-    EXPECT_EQ(wrong.getDateString(CKestaDate::DDMMYY), "05/13/-3");
+    const std::tuple<CKestaDate, int, const char*> rows[] = {{date, 0, "Mar 5, 2007"},
+        {date, CKestaDate::DDMMYY, "05/03/07"}, {date, CKestaDate::DDMMYYYY, "05/03/2007"},
+        {date, CKestaDate::MMDDYY, "03/05/07"}, {date, CKestaDate::MMDDYYYY, "03/05/2007"},
+        {date, CKestaDate::MonDDYYYY, "Mar 5, 2007"}, {date, CKestaDate::DDMonYYYY, "5 Mar 2007"},
+        {date, 7, "Mar 5, 2007"}, {wrong, 6, "5   -103"}, {wrong, 1, "05/13/-3"}};
+    for (const auto& [from, format, want] : rows)
+        EXPECT_EQ(from.getDateString(format), want) << format;
 }
 
 TEST(Date, Arithmetic)
 {
     setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);   // has days of 23 and of 25 hours
-    const std::tuple<const char*, unsigned, const char*> rows[] = {{"12/31/2007", 1, "1/1/2008"},
+    const std::tuple<const char*, int, const char*> rows[] = {{"12/31/2007", 1, "1/1/2008"},
         {"1/32/2007", 0, "2/1/2007"}, {"3/25/2007", 1, "3/26/2007"},
-        {"10/28/2007", 1, "10/29/2007"}, {"3/1/2024", 4294967295u, "2/29/2024"}};
+        {"10/28/2007", 1, "10/29/2007"}, {"3/1/2024", -1, "2/29/2024"},
+        {"3/30/2007", -30, "2/28/2007"}};
     for (const auto& [text, days, want] : rows)
     {
         const CKestaDate from(text), to(want);
-        const int difference = static_cast<int>(days);   // the last one wraps
-        EXPECT_EQ(fields(from + days), want) << text;
-        EXPECT_TRUE(to - from == difference && to.compare(from) == difference) << text;
+        EXPECT_EQ(fields(from + static_cast<unsigned int>(days)), want) << text;
+        EXPECT_EQ(to - from, days) << text;
+        const int order = (days > 0) - (days < 0);
+        EXPECT_EQ(to.compare(from), order) << text;
+        EXPECT_EQ(to < from, order < 0) << text;
+        EXPECT_EQ(to > from, order > 0) << text;
+        EXPECT_EQ(to <= from, order <= 0) << text;
+        EXPECT_EQ(to >= from, order >= 0) << text;
         EXPECT_FALSE(from == to) << text;
     }
+}
+
+TEST(Date, SystemTime)
+{
+    const CKestaDate before(std::time(nullptr)), today, after(std::time(nullptr));
+    EXPECT_GE(today, before);
+    EXPECT_LE(today, after);
     EXPECT_EQ(fields(CKestaDate(LONG_MAX)), "0/0/0");
+    const std::tuple<const char*, const char*, long> rows[] = {
+        {"CET-1CEST,M3.5.0,M10.5.0/3", "7/1/2007", 1183240800}, {"XXX+5", "7/1/2007", 1183266000},
+        {"XXX-12", "1/1/2007", 1167566400}};
+    for (const auto& [zone, text, time] : rows)
+    {
+        setenv("TZ", zone, 1);
+        EXPECT_EQ(fields(CKestaDate(time)), text) << zone;
+        EXPECT_EQ(fields(CKestaDate(time - 1)) == text, false) << zone;
+        EXPECT_EQ(CKestaDate(text).getTime(), time) << zone;
+    }
 }

@@ -1,5 +1,7 @@
 #include "support.h"
 
+#include <clocale>
+
 static const std::string withNul("ab\0cd", 5);
 
 TEST(String, NumbersBecomeText)
@@ -9,9 +11,18 @@ TEST(String, NumbersBecomeText)
         {std::size_t{4294967295}, "-1"}, {std::size_t{4294967296}, "0"}, {-0.1, "-0.100000"}};
     for (const auto& [got, want] : rows)
         EXPECT_EQ(got, want);
-    EXPECT_EQ(CKestaString(1e300).size(),
-        308u);   // 301 digits, the point and six decimals
+    EXPECT_EQ(CKestaString(1e300).size(), 308u);   // 301 digits, the point and six decimals
     EXPECT_THROW(CKestaString(static_cast<const char*>(nullptr)), std::logic_error);
+}
+
+TEST(String, DigitsOfTheLocale)
+{
+    if (std::setlocale(LC_ALL, "fa_IR.UTF-8") == nullptr)
+        GTEST_SKIP() << "there is no locale fa_IR.UTF-8";
+    const CKestaString size(std::size_t{17}), number(17);
+    std::setlocale(LC_ALL, "C");
+    EXPECT_EQ(size, "\u06F1\u06F7");
+    EXPECT_EQ(number, "17");
 }
 
 TEST(String, CopiesAndComparisonsStopAtNul)
@@ -19,20 +30,33 @@ TEST(String, CopiesAndComparisonsStopAtNul)
     CKestaString text, assigned("before");
     text.assign(withNul);
     assigned = text;
-    EXPECT_TRUE(CKestaString(text).size() == 2 && assigned.size() == 2);
-    EXPECT_EQ((CKestaString("x") + text).size(), 6u);   // the right side is taken whole
-    EXPECT_EQ((text + "x").size(), 3u);                 // the left side is a copy
-    EXPECT_TRUE(text == "ab" && text.equals("AB", false) && !text.equals("AB", true));
+    const std::pair<std::string, std::size_t> rows[] = {{CKestaString(text), 2}, {assigned, 2},
+        {CKestaString(withNul), 2}, {CKestaString(std::string_view(withNul)), 2},
+        {CKestaString("x") + text, 6}, {text + "x", 3}};   // the right side is taken whole
+    for (const auto& [got, size] : rows)
+        EXPECT_EQ(got.size(), size) << got;
+    EXPECT_EQ(text, "ab");
+    EXPECT_TRUE(text.equals("AB", false));
+    EXPECT_FALSE(text.equals("AB", true));
 }
 
 TEST(String, Searching)
 {
-    const CKestaString text("a,,,b,"), none;
-    EXPECT_TRUE(text.countDelims(",") == 4 && text.countTokens(",,") == 2);
-    EXPECT_TRUE(text.countTokens(";") == 0 && text.countTokens("") == 0);
-    EXPECT_TRUE(text.beginsWith("a,") && text.beginsWith("") && !text.beginsWith(",,"));
-    EXPECT_TRUE(text.endsWith(",;") && !text.endsWith("b") && !text.endsWith(""));
-    EXPECT_TRUE(none.endsWith("") && none.endsWith("z")) << "it ends with everything";
+    const std::tuple<const char*, const char*, int, int, bool, bool> rows[] = {
+        // text, other: delimiters, tokens, begins with, ends with
+        {"a,,,b,", ",", 4, 5, false, true}, {"a,,,b,", ",,", 1, 2, false, true},
+        {",,a,,", ",,", 2, 3, true, true}, {"a,b", "a,", 1, 2, true, false},
+        {"a,b", ";", 0, 0, false, false}, {"a,b", "", 0, 0, true, false},
+        {"alpha", "xa", 0, 0, false, true}, {"", "", 0, 0, true, true},
+        {"", "z", 0, 0, false, true}};
+    for (const auto& [text, other, delimiters, tokens, begins, ends] : rows)
+    {
+        const CKestaString searched(text);
+        EXPECT_EQ(searched.countDelims(other), delimiters) << text << " " << other;
+        EXPECT_EQ(searched.countTokens(other), tokens) << text << " " << other;
+        EXPECT_EQ(searched.beginsWith(other), begins) << text << " " << other;
+        EXPECT_EQ(searched.endsWith(other), ends) << text << " " << other;
+    }
 }
 
 /// The tokens from the cursor on, each in brackets.
@@ -46,26 +70,46 @@ static std::string rest(const CKestaString& text)
 
 TEST(String, Tokens)
 {
-    CKestaString text(",a,,bc,"), other("x::y"), token("kept");
-    EXPECT_FALSE(text.getNextToken(token, ";") || other.getNextToken(token, ""));
+    const std::string zero(1, '\0');
+    const std::tuple<std::string, std::string, std::string> rows[] = {
+        {",a,,bc,", ",", "[][a][][bc]"}, {"x::y", "::", "[x][y]"}, {"abc", ",", ""}, {"", ",", ""},
+        {"a" + zero + "b,c" + zero, ",", "[a][c]"},   // a token ends at a NUL byte, too
+        {"a" + zero + "b::c", "::", "[a][c]"}, {"a" + zero + "b", zero, "[a][b]"}};
+    for (const auto& [bytes, delimiter, want] : rows)
+    {
+        CKestaString text, token("kept");
+        text.append(bytes);
+        const bool first = text.getNextToken(token, delimiter);
+        EXPECT_EQ(first ? "[" + token + "]" + rest(text) : "", want) << bytes;
+        EXPECT_EQ(rest(text), "") << "after the end there is nothing more";
+    }
+    CKestaString text("a,b"), token("kept"), other("c,d");
+    EXPECT_FALSE(text.getNextToken(token, ";"));
     EXPECT_EQ(token, "kept");
-    EXPECT_TRUE(text.getNextToken(token, ",") && other.getNextToken(token, "::"));
-    EXPECT_EQ(token + rest(text) + rest(other), "x[a][][bc][y]");
-    EXPECT_TRUE(text.getNextToken(token, ",") && other.getNextToken(token, ":"));
+    text.getNextToken(token, ",");
+    other.getNextToken(token, ",");
     other = text;
-    EXPECT_EQ(rest(CKestaString(text)) + rest(other), "") << "copies have no state";
+    EXPECT_EQ(rest(CKestaString(text)), "") << "a copy has no state";
+    EXPECT_EQ(rest(other), "") << "nor has what is assigned to";
     const CKestaString& itself = text;
     text = itself;
-    EXPECT_EQ(rest(text), "[a][][bc]") << "an assignment to itself changes nothing";
+    EXPECT_EQ(rest(text), "[b]") << "an assignment to itself changes nothing";
 }
 
 TEST(String, WhiteSpaceAndNumbers)
 {
     CKestaString text(" \v2.5e1 \tx\f\r\n"), cut(" \t ");
-    EXPECT_EQ(text.toDouble() + text.toInt(), 27.0);
-    EXPECT_EQ(text.trim() + "|" + text, "2.5e1 \tx|2.5e1 \tx");
-    EXPECT_EQ(text.removeSpaces() + "|" + text, "2.5e1x|2.5e1x");
+    EXPECT_EQ(text.toDouble(), 25.0);
+    EXPECT_EQ(text.toInt(), 2);
+    EXPECT_EQ(text.trim(), "2.5e1 \tx");
+    EXPECT_EQ(text, "2.5e1 \tx");
+    EXPECT_EQ(text.removeSpaces(), "2.5e1x");
+    EXPECT_EQ(text, "2.5e1x");
     EXPECT_EQ(cut.trim(), "");
+    cut.assign(" " + withNul + " ");
+    cut.trim();
+    EXPECT_EQ(cut.size(), 2u) << "the text ends at its NUL byte";
     cut.assign(" " + withNul);
-    EXPECT_EQ(cut.trim().size(), 2u);
+    cut.removeSpaces();
+    EXPECT_EQ(cut.size(), 2u);
 }

@@ -7,6 +7,11 @@
 #include <ctime>
 #include <iosfwd>
 
+class CKestaDate;
+
+/// Writes `getDateString(CKestaDate::MMDDYYYY)`.
+KESTA_API std::ostream& operator<<(std::ostream& os, CKestaDate& date);
+
 /// A calendar date: month, day and year as plain numbers.
 ///
 /// Only `setDate(int, int, int)` checks them; texts and day arithmetic store what comes out, and
@@ -36,8 +41,15 @@ public:
     /// system cannot convert.
     CKestaDate(long lTime);
 
-    /// The date in a text, read as `setDate(strDate)` reads it.
-    CKestaDate(const CKestaString& strDate);
+    /// The date in a text, read as `setDate(strDate)` reads it. Only a variable converts
+    /// implicitly: constants and temporaries convert to `CKestaExc` alone, where a host has
+    /// overloads for both.
+    CKestaDate(CKestaString& strDate);
+    template <class = void>
+    explicit CKestaDate(const CKestaString& strDate)
+        : CKestaDate(const_cast<CKestaString&>(strDate))
+    {
+    }
 
     CKestaDate(const CKestaDate& other) = default;
     CKestaDate& operator=(const CKestaDate& other) = default;
@@ -49,8 +61,8 @@ public:
     /// The full year, such as 2007.
     int getYear() const { return iYear; }
 
-    /// Reads month, day and year, in this order, parted by "/". Nothing is checked, and a two-digit
-    /// year stays as it is.
+    /// Reads month, day and year, in this order, separated by "/". Nothing is checked, and a
+    /// two-digit year stays as it is.
     ///
     /// Intended: a part that is missing takes the number of the part before it, and a text without
     /// any "/" has no parts at all.
@@ -87,23 +99,66 @@ public:
     /// True when month, day and year are the same numbers.
     bool operator==(const CKestaDate& other) const;
 
+    /// The opposite of `==`. It and the orderings are templates so that a host's own operator wins.
+    template <class = void>
+    bool operator!=(const CKestaDate& other) const
+    {
+        return !(*this == other);
+    }
+
+    /// The orderings go by `compare`: 32 January is neither before nor after 1 February, although
+    /// the two are not equal.
+    template <class = void>
+    bool operator<(const CKestaDate& other) const
+    {
+        return compare(other) < 0;
+    }
+    template <class = void>
+    bool operator<=(const CKestaDate& other) const
+    {
+        return compare(other) <= 0;
+    }
+    template <class = void>
+    bool operator>(const CKestaDate& other) const
+    {
+        return compare(other) > 0;
+    }
+    template <class = void>
+    bool operator>=(const CKestaDate& other) const
+    {
+        return compare(other) >= 0;
+    }
+
     /// The days from the other date to this one, rounded: a whole number.
+    ///
+    /// Not for going back: `date - 30` compiles, but converts 30 to the date of that time value, in
+    /// 1970, and gives the days since then. `+` goes back, see there.
     double operator-(const CKestaDate& other) const;
 
-    /// The date that many days later. Where the system cannot tell, the date at its answer -1, the
-    /// second before the epoch.
+    /// The date that many days later. The sum wraps, so a negative number converted to unsigned
+    /// goes back:
+    ///
+    ///     date + 30
+    ///     date + static_cast<unsigned int>(-30)   // 30 days earlier
+    ///
+    /// Where the system cannot tell, the date of time value -1, the second before the epoch.
     CKestaDate operator+(unsigned int days) const;
 
+    /// Writes a date that is only read, as the operator above does any other. A template so that a
+    /// host's own operator wins.
+    template <class = void>
+    friend std::ostream& operator<<(std::ostream& os, const CKestaDate& date)
+    {
+        return os << const_cast<CKestaDate&>(date);
+    }
+
 private:
-    std::time_t timeAt(int iDayOfMonth) const;
-    void setTime(std::time_t lTime);
+    KESTA_LOCAL std::time_t timeAt(int iDayOfMonth) const;
+    KESTA_LOCAL void setTime(std::time_t lTime);
 
     int iMonth;
     int iDay;
     int iYear;
 };
-
-/// Writes `getDateString(CKestaDate::MMDDYYYY)`.
-KESTA_API std::ostream& operator<<(std::ostream& os, const CKestaDate& date);
 
 #endif

@@ -3,6 +3,7 @@
 
 #include "KestaExport.h"
 #include "KestaString.h"
+#include "KestaTextDetail.h"
 
 #include <atomic>
 #include <string_view>
@@ -43,6 +44,34 @@ KESTA_API void initialize();
 /// ended on another. A thread with an entry of its own ends that alone: entries of other threads
 /// keep their log and the mutex.
 KESTA_API void unInitialize();
+
+namespace KestaTraceDetail
+{
+
+template <class T>
+constexpr bool isFormatted = std::is_convertible_v<const T&, CKestaString>;
+
+// A host's class that converts to a CKestaString is traced as that, whatever else it converts to.
+template <class T>
+constexpr bool isUsedInPlace = std::is_convertible_v<const T&, std::string_view> &&
+                               (std::is_pointer_v<T> || std::is_same_v<T, std::string> ||
+                                std::is_same_v<T, std::string_view> ||
+                                std::is_convertible_v<const T*, const CKestaString*> ||
+                                !isFormatted<T>);
+
+template <class T>
+constexpr bool isTraceable = isFormatted<T> || isUsedInPlace<T>;
+
+template <class T>
+constexpr bool isObject = std::is_class_v<T> || std::is_union_v<T>;
+
+template <class T>
+using IfObject = std::enable_if_t<isTraceable<T> && isObject<T>, int>;
+
+template <class T>
+using IfValue = std::enable_if_t<isTraceable<T> && !isObject<T>, int>;
+
+}   // namespace KestaTraceDetail
 
 /// The trace log. Everything is static and process-wide.
 ///
@@ -118,36 +147,96 @@ public:
     static CKestaString getOldLogFile();
 
 private:
-    // Anything convertible to string_view is used in place; anything else is formatted.
     template <class T>
     static auto textOf(const T& text)
     {
-        if constexpr (std::is_convertible_v<const T&, std::string_view>)
-            return CKestaString::viewOf(text);
+        if constexpr (KestaTraceDetail::isUsedInPlace<T>)
+            return KestaTextDetail::viewOf(text);
         else
-            return CKestaString(text);
+        {
+            CKestaString strText = text;   // converts as passing the argument would
+            return strText;
+        }
     }
 };
 
 /// Traces a message of the library itself, item type "MSG" and source "FH", at a level.
 ///
-/// The message is anything that a `CKestaString` can be made of. While the line is not to be traced
-/// the call costs a test: nothing is made, nothing is allocated. A null pointer is refused, with
+/// The message is anything that converts to a `CKestaString`: texts, numbers (a single `char` too:
+/// 'c' is written as 99), objects of the host. While the line is not to be traced a call costs a
+/// test: nothing is converted, nothing is allocated. A null pointer is refused, with
 /// `std::logic_error`, only when the line is to be traced.
 ///
 ///     KESTA_DEBUG1("x", 1);   // [MSG]:FH:x
-template <class TMessage = CKestaString>
-inline void KESTA_DEBUG1(const TMessage& message, int iLevel)
+KESTA_API void KESTA_DEBUG1(CKestaString strMessage, int iLevel);
+
+/// Traces a message of a source, item type "MSG", at a level; otherwise like `KESTA_DEBUG1`.
+///
+///     KESTA_DEBUG2("Acme::start()", "ready", 3);   // [MSG]:Acme::start():ready
+KESTA_API void KESTA_DEBUG2(CKestaString strSource, CKestaString strMessage, int iLevel);
+
+// A call goes to the overloads below, which convert nothing before the test. The name alone is the
+// function above: pointers, std::function, std::bind and std::thread take it.
+#define KESTA_DEBUG1(...) kestaDebug1(__VA_ARGS__)
+#define KESTA_DEBUG2(...) kestaDebug2(__VA_ARGS__)
+
+// The templates take objects by reference and everything else by value: a class constant need not
+// be defined, a bit-field and a packed member have no reference. The first function takes texts
+// of ours, and the rest: arguments in braces, and objects that convert only while they are not
+// const. A host's own overload for a type of its own wins over all of them.
+inline void kestaDebug1(const CKestaString& strMessage, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace("FH", strMessage, iLevel);
+}
+
+template <class TMessage, KestaTraceDetail::IfObject<TMessage> = 0>
+inline void kestaDebug1(const TMessage& message, int iLevel)
 {
     if (CKestaDebug::isTraced(iLevel))
         CKestaDebug::trace("FH", message, iLevel);
 }
 
-/// Traces a message of a source, item type "MSG", at a level.
-///
-///     KESTA_DEBUG2("Acme::start()", "ready", 3);   // [MSG]:Acme::start():ready
-template <class TSource = CKestaString, class TMessage = CKestaString>
-inline void KESTA_DEBUG2(const TSource& source, const TMessage& message, int iLevel)
+template <class TMessage, KestaTraceDetail::IfValue<TMessage> = 0>
+inline void kestaDebug1(TMessage message, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace("FH", message, iLevel);
+}
+
+inline void kestaDebug2(const CKestaString& strSource, const CKestaString& strMessage, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace(strSource, strMessage, iLevel);
+}
+
+template <class TSource, class TMessage, KestaTraceDetail::IfObject<TSource> = 0,
+          KestaTraceDetail::IfObject<TMessage> = 0>
+inline void kestaDebug2(const TSource& source, const TMessage& message, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace(source, message, iLevel);
+}
+
+template <class TSource, class TMessage, KestaTraceDetail::IfObject<TSource> = 0,
+          KestaTraceDetail::IfValue<TMessage> = 0>
+inline void kestaDebug2(const TSource& source, TMessage message, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace(source, message, iLevel);
+}
+
+template <class TSource, class TMessage, KestaTraceDetail::IfValue<TSource> = 0,
+          KestaTraceDetail::IfObject<TMessage> = 0>
+inline void kestaDebug2(TSource source, const TMessage& message, int iLevel)
+{
+    if (CKestaDebug::isTraced(iLevel))
+        CKestaDebug::trace(source, message, iLevel);
+}
+
+template <class TSource, class TMessage, KestaTraceDetail::IfValue<TSource> = 0,
+          KestaTraceDetail::IfValue<TMessage> = 0>
+inline void kestaDebug2(TSource source, TMessage message, int iLevel)
 {
     if (CKestaDebug::isTraced(iLevel))
         CKestaDebug::trace(source, message, iLevel);

@@ -6,11 +6,18 @@
 
 #include <iosfwd>
 
+class CKestaExc;
+
+/// Writes one line, "number;source;message", and flushes the stream.
+KESTA_API std::ostream& operator<<(std::ostream& os, CKestaExc& refException);
+
 /// The error object that every failure of the library is thrown as: a number, a source and a
 /// message. Thrown by value, caught by reference.
 ///
 ///     try { KestaIPRange range("no address"); }
 ///     catch (const CKestaExc& exc) { std::cerr << exc; }   // -9999;Fernhold;Not a valid IP ...
+///
+/// It is not derived from `std::exception`: a host that catches only those does not catch it.
 ///
 /// Error objects are values; each belongs to whoever holds it. Thread contract: distinct objects
 /// are independent, and the catalogue of standard messages is constant. Building one throws
@@ -23,13 +30,14 @@ public:
 
     /// Number -9999, source "Fernhold" (the product), the given message. The two default sources
     /// differ on purpose.
-    CKestaExc(const CKestaString& strMessage);
+    CKestaExc(CKestaString strMessage);
 
     /// The given number and source; the message is the catalogue's text for the number, ":" and
     /// the given message. A number that the catalogue does not hold has no text.
     CKestaExc(long lNumber, CKestaString strSource, CKestaString strMessage);
 
-    CKestaExc(const CKestaExc& refException) = default;
+    /// A copy. An object initialised with itself, `CKestaExc e(e)`, has number -9999 and no texts.
+    CKestaExc(const CKestaExc& refException);
     CKestaExc& operator=(const CKestaExc& refException) = default;
     virtual ~CKestaExc();
 
@@ -62,6 +70,14 @@ public:
     /// Returns 0, the NUL-terminated text in `pszMessage`; or -1, `pszMessage` left as it was.
     static int getErrMessage(long lNumber, char* pszMessage);
 
+    /// Writes an error object that is only read, as the operator above does any other. A template
+    /// so that a host's own operator wins.
+    template <class = void>
+    friend std::ostream& operator<<(std::ostream& os, const CKestaExc& refException)
+    {
+        return os << const_cast<CKestaExc&>(refException);
+    }
+
 private:
     long m_lErrorNumber;
     CKestaString m_strErrorSource;
@@ -86,14 +102,11 @@ public:
     CKestaExc_FileNotFound();
 
     /// Intended: the text is not stored anywhere. Callers tell this error by its type alone.
-    CKestaExc_FileNotFound(const CKestaString& strIgnored);
+    CKestaExc_FileNotFound(CKestaString strIgnored);
 
     CKestaExc_FileNotFound(const CKestaExc_FileNotFound& refException) = default;
     CKestaExc_FileNotFound& operator=(const CKestaExc_FileNotFound& refException) = default;
     ~CKestaExc_FileNotFound() override;
 };
-
-/// Writes one line, "number;source;message", and flushes the stream.
-KESTA_API std::ostream& operator<<(std::ostream& os, const CKestaExc& refException);
 
 #endif

@@ -2,14 +2,18 @@
 #define KESTA_MAP_H
 
 #include "KestaException.h"
+#include "KestaExport.h"
 #include "KestaString.h"
 
 #include <cstddef>
 #include <functional>
-#include <iostream>
 #include <map>
+#include <ostream>
 #include <type_traits>
 #include <utility>
+
+/// `std::cout`, for `CKestaMap::dump`: <iostream> would make every user of the header set it up.
+KESTA_API std::ostream& kestaStandardOutput();
 
 /// An ordered map of unique keys with a cursor of its own.
 ///
@@ -21,11 +25,16 @@
 ///     for (std::size_t i = 0; i < map.getNoOfItems(); ++i)
 ///         map.getKeyValue(strKey, strValue);
 ///
+/// A range-based `for` walks it without the cursor, a const map too:
+///
+///     for (const auto& [strKey, strValue] : map)
+///
 /// The cursor always stands at an entry of this map or at its end: a copied or assigned map starts
 /// at the entry that the other's cursor names, removing the entry under the cursor moves it to the
 /// next, and `removeAll` leaves it at the end.
 ///
-/// Thread contract: no locking. The cursor is part of the map, so two walks must not overlap.
+/// Thread contract: no locking. The cursor is part of the map, so two walks that use it must not
+/// overlap; several threads may read one const map.
 template <class K, class V>
 class CKestaMap
 {
@@ -114,25 +123,37 @@ public:
     /// The value at the cursor, which moves on.
     ///
     /// Throws: `CKestaExc_ArrayOutOfBound` at the end.
-    V& getNext() { return next().second; }
+    V& getNext()
+    {
+        V& value = current().second;
+        ++m_pIterator;
+        return value;
+    }
 
-    /// Assigns the key and the value at the cursor, which moves on.
+    /// Assigns the key and the value at the cursor, which moves on; it stays when an assignment
+    /// throws.
     ///
     /// Throws: `CKestaExc_ArrayOutOfBound` at the end; the arguments are left as they were.
     void getKeyValue(K& key, V& value)
     {
-        const auto& entry = next();
+        const auto& entry = current();
         key = entry.first;
         value = entry.second;
+        ++m_pIterator;
     }
+
+    /// The first entry and the end, for reading: a pair of key and value each, in the order of the
+    /// keys. The cursor stays where it is.
+    auto begin() const { return m_stlMap.begin(); }
+    auto end() const { return m_stlMap.end(); }
 
     /// Writes "KEY=", key, tab, "VALUE=", value and a flushed newline to standard output for every
     /// entry, and leaves the cursor at the end. Returns 0.
     int dump()
     {
         for (resetIterator(); m_pIterator != m_stlMap.end(); ++m_pIterator)
-            std::cout << "KEY=" << m_pIterator->first << "\tVALUE=" << m_pIterator->second
-                      << std::endl;
+            kestaStandardOutput() << "KEY=" << m_pIterator->first
+                                  << "\tVALUE=" << m_pIterator->second << std::endl;
         return 0;
     }
 
@@ -145,11 +166,11 @@ private:
         return itOther == other.m_stlMap.end() ? m_stlMap.end() : m_stlMap.find(itOther->first);
     }
 
-    typename CStlMap::value_type& next()
+    typename CStlMap::value_type& current()
     {
         if (m_pIterator == m_stlMap.end())
             throw CKestaExc_ArrayOutOfBound();
-        return *m_pIterator++;
+        return *m_pIterator;
     }
 
     static CKestaExc missing(const K& key)

@@ -2,11 +2,13 @@
 #define KESTA_STRING_H
 
 #include "KestaExport.h"
+#include "KestaTextDetail.h"
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 /// The library's one text type: a `std::string` with number formatting, comparison, counting,
 /// trimming and a tokeniser that remembers where it stands.
@@ -27,29 +29,33 @@
 /// library's exceptions (`std::bad_alloc`, `std::logic_error`).
 class KESTA_API CKestaString : public std::string
 {
-    // What takes texts of other types is a template, so that it takes nothing else: a number, a
-    // nullptr or a class of the host's own goes the way that it would go without. Pointers tell
-    // a base class here, because the host's class may be declared only.
-    template <class T, class TBase>
-    static constexpr bool isDerived = std::is_convertible_v<const T*, const TBase*>;
+    // Overloads for other string types are templates that take exactly these types, so numbers,
+    // nullptr and host classes resolve as if they did not exist, and a host's own function wins.
+    template <class T>
+    static constexpr bool isChar = std::is_same_v<T, char>;
 
     template <class T>
-    static constexpr bool isStdString = isDerived<T, std::string> && !isDerived<T, CKestaString>;
+    static constexpr bool isString = std::is_same_v<T, std::string>;
 
-    template <class T>   // literals, pointers and std::string_view
-    static constexpr bool isText = std::is_convertible_v<const T&, std::string_view> &&
-                                   !isDerived<T, std::string> && !std::is_null_pointer_v<T>;
+    template <class T>
+    static constexpr bool isView = std::is_same_v<T, std::string_view>;
 
 public:
     /// An empty text.
     CKestaString() = default;
 
     /// A copy of a NUL-terminated text.
-    CKestaString(const char* psztemp) : std::string(viewOf(psztemp)) {}
+    CKestaString(const char* psztemp) : std::string(KestaTextDetail::viewOf(psztemp)) {}
 
     /// A copy of a `std::string` up to its first NUL byte.
-    template <class T, std::enable_if_t<isStdString<T>, int> = 0>
+    template <class T, std::enable_if_t<isString<T>, int> = 0>
     CKestaString(const T& strparam) : std::string(strparam.c_str())
+    {
+    }
+
+    /// A copy of a `std::string_view` up to its first NUL byte. Explicit, as for `std::string`.
+    template <class T, class = std::enable_if_t<isView<T>>>
+    explicit CKestaString(T text) : std::string(KestaTextDetail::upToNul(text))
     {
     }
 
@@ -62,13 +68,25 @@ public:
     /// The number in decimal.
     CKestaString(long lval);
 
+    /// The number in decimal.
+    CKestaString(long long llval);
+
+    /// The number in decimal.
+    CKestaString(unsigned int uval);
+
     /// The low 32 bits of the number, read as a signed number, in decimal.
     ///
     /// Intended, and relied upon by hosts: 4294967295 gives "-1" and 4294967296 gives "0". Numbers
-    /// up to 2147483647 print as themselves.
+    /// up to 2147483647 print as themselves. The digits are those of the host's locale, where it
+    /// has digits of its own; this is the one operation that asks for them. For the whole of a
+    /// large number, convert it to `unsigned long long`.
     CKestaString(std::size_t sparam);
 
-    /// The number as printf's "%f" prints it: fixed notation, always six decimals.
+    /// The number in decimal, all of it.
+    CKestaString(unsigned long long ullval);
+
+    /// The number as printf's "%f" prints it: fixed notation, always six decimals, and the decimal
+    /// point of the host's locale.
     CKestaString(double dval);
 
     /// "True" or "False".
@@ -83,24 +101,31 @@ public:
     /// This text up to its first NUL byte, followed by the whole of the other.
     CKestaString operator+(const CKestaString& strparam) const;
 
-    /// The same for literals, pointers, `std::string_view` and single characters.
-    template <class T, class TDecayed = std::decay_t<T>,
-              std::enable_if_t<isText<TDecayed> || std::is_same_v<TDecayed, char>, int> = 0>
-    CKestaString operator+(T&& text) const
+    /// The same for literals and pointers, `std::string_view` and single characters.
+    template <class T, std::enable_if_t<isChar<T>, int> = 0>
+    CKestaString operator+(const T* pszText) const
+    {
+        return *this + KestaTextDetail::viewOf(pszText);
+    }
+    template <class T, std::enable_if_t<isView<T>, int> = 0>
+    CKestaString operator+(T text) const
     {
         CKestaString strResult(*this);
-        strResult.append(viewOf(text));
+        strResult.append(text);
         return strResult;
+    }
+    template <class T, std::enable_if_t<isChar<T>, int> = 0>
+    CKestaString operator+(T cText) const
+    {
+        return *this + std::string_view(&cText, 1);
     }
 
     /// The whole of both texts. With a `std::string` on either side, `+` is the one of
     /// `std::string`, and so is its result.
-    template <class T, std::enable_if_t<isStdString<std::decay_t<T>>, int> = 0>
-    std::string operator+(T&& text) const
+    template <class T, std::enable_if_t<isString<T>, int> = 0>
+    std::string operator+(T strText) const
     {
-        std::string strResult;
-        strResult.reserve(size() + text.size());
-        return strResult.append(*this).append(text);
+        return std::move(strText.insert(0, *this));
     }
 
     /// True when the two texts are the same up to their first NUL bytes.
@@ -110,22 +135,36 @@ public:
     /// Texts without NUL bytes can't tell the difference.
     bool operator==(const CKestaString& strparam) const;
 
-    /// The same for literals and pointers, and the comparison of whole texts described above.
-    template <class T, std::enable_if_t<isText<T> || isStdString<T>, int> = 0>
+    /// The same for literals and pointers.
+    template <class T, std::enable_if_t<isChar<T>, int> = 0>
+    bool operator==(const T* pszText) const
+    {
+        return KestaTextDetail::upToNul(*this) == KestaTextDetail::viewOf(pszText);
+    }
+
+    /// The comparison of whole texts described above.
+    template <class T, std::enable_if_t<isString<T> || isView<T>, int> = 0>
     bool operator==(const T& text) const
     {
-        if constexpr (std::is_class_v<T>)
-            return std::string_view(*this) == viewOf(text);
-        else
-            return upToNul(*this) == viewOf(text);
+        return std::string_view(*this) == std::string_view(text);
     }
 
     /// True when the two texts are the same up to their first NUL bytes; with `bCase_Flag` false,
     /// ASCII letters that differ in case only count as equal.
-    bool equals(const CKestaString& strtocmp, bool bCase_Flag) const;
+    bool equals(CKestaString& strtocmp, bool bCase_Flag) const;
+    bool equals(char* chartocmp, bool bCase_Flag) const;
 
-    /// The same for a NUL-terminated text.
-    bool equals(const char* chartocmp, bool bCase_Flag) const;
+    /// The same for constants. Templates so that whatever fits the two above goes there.
+    template <class = void>
+    bool equals(const CKestaString& strtocmp, bool bCase_Flag) const
+    {
+        return equals(const_cast<CKestaString&>(strtocmp), bCase_Flag);
+    }
+    template <class = void>
+    bool equals(const char* chartocmp, bool bCase_Flag) const
+    {
+        return equals(const_cast<char*>(chartocmp), bCase_Flag);
+    }
 
     /// True when the text starts with `strd`; every text starts with the empty one.
     bool beginsWith(const CKestaString& strd) const;
@@ -161,14 +200,7 @@ public:
     ///
     /// The text may be changed between two calls: a cursor past the end of a text that was
     /// shortened meanwhile ends the walk.
-    bool getNextToken(CKestaString& result, const std::string& strd) const;
-
-    /// The same for literals and pointers, of which no `std::string` is made.
-    template <class T, std::enable_if_t<isText<T>, int> = 0>
-    bool getNextToken(CKestaString& result, const T& strd) const
-    {
-        return nextToken(result, viewOf(strd));
-    }
+    bool getNextToken(CKestaString& result, std::string strd) const;
 
     /// The number that the text begins with, as `atoi` reads it; 0 when there is none.
     int toInt() const;
@@ -183,33 +215,24 @@ public:
     CKestaString trim();
 
     /// Takes every white-space byte out of this text, in place, and returns a copy of it. NUL
-    /// bytes, the tokeniser and an empty text fare as with `trim`.
+    /// bytes, the tokeniser and an empty text are treated as by `trim`.
     CKestaString removeSpaces();
 
 private:
-    friend class CKestaConfiguration;
-    friend class CKestaDebug;
-
-    static std::string_view viewOf(std::string_view text) { return text; }
-    static std::string_view viewOf(const char& cText) { return std::string_view(&cText, 1); }
-    static std::string_view viewOf(const char* pszText)
-    {
-        if (pszText == nullptr)
-            refuseNull();
-        return pszText;
-    }
-    static std::string_view upToNul(std::string_view text)
-    {
-        return text.substr(0, text.find('\0'));
-    }
-    [[noreturn]] static void refuseNull();
-
-    static std::string_view trimmed(std::string_view text);
-    bool nextToken(CKestaString& result, std::string_view delimiter) const;
-    void renew(std::string_view text);
+    KESTA_LOCAL void renew(std::string_view text);
 
     mutable long m_itokpos = 0;      // where the next token is looked for
     mutable std::string m_szdelim;   // the delimiter last named; empty: none yet
+};
+
+/// Texts that are equal have the same hash: the bytes from the first NUL byte on do not count.
+template <>
+struct std::hash<CKestaString>
+{
+    std::size_t operator()(const CKestaString& strText) const noexcept
+    {
+        return std::hash<std::string_view>()(KestaTextDetail::upToNul(strText));
+    }
 };
 
 #endif

@@ -1,6 +1,7 @@
 #ifndef KESTA_VECTOR_H
 #define KESTA_VECTOR_H
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 #include <vector>
@@ -12,6 +13,11 @@ template <class T>
 class CKestaVector
 {
 public:
+    CKestaVector() = default;
+    CKestaVector(const CKestaVector& other) = default;   // and no move: it would empty the source
+    CKestaVector& operator=(const CKestaVector& other) = default;
+    ~CKestaVector() = default;
+
     /// The number of items.
     std::size_t size() const { return v.size(); }
 
@@ -24,6 +30,12 @@ public:
     /// The same for a vector that is only read.
     const T& operator[](int index) const { return v[static_cast<std::size_t>(index)]; }
 
+    /// The first item and the end, so that a range-based `for` goes through the vector.
+    auto begin() { return v.begin(); }
+    auto end() { return v.end(); }
+    auto begin() const { return v.begin(); }
+    auto end() const { return v.end(); }
+
     /// Removes every item.
     void clear() { v.clear(); }
 
@@ -33,17 +45,27 @@ public:
     ///     "x", "x", "y"   without "x":   "x", "y"
     ///     "a", "b", "a"   without "a":   "b"
     ///
-    /// `item` may be an item of this vector.
+    /// `item` may be an item of this vector. When a comparison throws, what was found until then is
+    /// removed.
     void remove(const T& item)
     {
         const T wanted(item);
-        auto itKept = v.begin();
-        for (auto itScan = v.begin(); itScan != v.end(); ++itScan, ++itKept)
+        auto itKept = v.begin();   // the kept items close up to here, in one pass
+        auto itScan = v.begin();
+        try
         {
-            if (*itScan == wanted && ++itScan == v.end())   // the next one stays, unseen
-                break;
-            if (itKept != itScan)
-                *itKept = std::move(*itScan);
+            for (; itScan != v.end(); ++itScan, ++itKept)
+            {
+                if (*itScan == wanted && ++itScan == v.end())   // the next one stays, unseen
+                    break;
+                if (itKept != itScan)
+                    *itKept = std::move(*itScan);
+            }
+        }
+        catch (...)
+        {
+            v.erase(std::move(itScan, v.end(), itKept), v.end());
+            throw;
         }
         v.erase(itKept, v.end());
     }

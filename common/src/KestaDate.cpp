@@ -14,7 +14,7 @@ constexpr int daysOfMonth[13] = {0, 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 
 
 constexpr double dSecondsPerDay = 86400.0;
 
-// Entry 0 of both tables stands for every month that there is not.
+// Entry 0 of both tables stands for every invalid month.
 int monthIndex(int iMonth)
 {
     return iMonth >= 1 && iMonth <= 12 ? iMonth : 0;
@@ -44,7 +44,7 @@ CKestaDate::CKestaDate(long lTime)
     setTime(lTime);
 }
 
-CKestaDate::CKestaDate(const CKestaString& strDate)
+CKestaDate::CKestaDate(CKestaString& strDate)
 {
     setDate(strDate);
 }
@@ -160,7 +160,7 @@ void CKestaDate::setTime(std::time_t lTime)
     iYear = bConverted ? wrappedSum(tmDate.tm_year, 1900) : 0;
 }
 
-std::ostream& operator<<(std::ostream& os, const CKestaDate& date)
+std::ostream& operator<<(std::ostream& os, CKestaDate& date)
 {
     return os << date.getDateString(CKestaDate::MMDDYYYY);
 }

@@ -176,7 +176,12 @@ CKestaString CKestaDebug::getOldLogFile()
     return logFiles(settings.strDebugFile, settings.strNewFile).strOldLog;
 }
 
-// For hosts that look the two up by name; the header's calls are compiled into their callers.
-template KESTA_API void KESTA_DEBUG1(const CKestaString& message, int iLevel);
-template KESTA_API void KESTA_DEBUG2(const CKestaString& source, const CKestaString& message,
-                                     int iLevel);
+void(KESTA_DEBUG1)(CKestaString strMessage, int iLevel)
+{
+    KESTA_DEBUG1(strMessage, iLevel);
+}
+
+void(KESTA_DEBUG2)(CKestaString strSource, CKestaString strMessage, int iLevel)
+{
+    KESTA_DEBUG2(strSource, strMessage, iLevel);
+}

@@ -37,7 +37,7 @@ CKestaString catalogueText(long lNumber)
 
 CKestaExc::CKestaExc() : m_lErrorNumber(-9999), m_strErrorSource("Kesta_Fernhold") {}
 
-CKestaExc::CKestaExc(const CKestaString& strMessage)
+CKestaExc::CKestaExc(CKestaString strMessage)
     : m_lErrorNumber(-9999), m_strErrorSource("Fernhold"), m_strErrorMessage(strMessage)
 {
 }
@@ -46,6 +46,12 @@ CKestaExc::CKestaExc(long lNumber, CKestaString strSource, CKestaString strMessa
     : m_lErrorNumber(lNumber), m_strErrorSource(strSource),
       m_strErrorMessage(catalogueText(lNumber) + ":" + strMessage)
 {
+}
+
+CKestaExc::CKestaExc(const CKestaExc& refException) : m_lErrorNumber(-9999)
+{
+    *this =
+        refException;   // now, not above: an object that is made a copy of itself is built first
 }
 
 CKestaExc::~CKestaExc() = default;
@@ -107,11 +113,11 @@ CKestaExc_ArrayOutOfBound::~CKestaExc_ArrayOutOfBound() = default;
 
 CKestaExc_FileNotFound::CKestaExc_FileNotFound() = default;
 
-CKestaExc_FileNotFound::CKestaExc_FileNotFound(const CKestaString& /*strIgnored*/) {}
+CKestaExc_FileNotFound::CKestaExc_FileNotFound(CKestaString /*strIgnored*/) {}
 
 CKestaExc_FileNotFound::~CKestaExc_FileNotFound() = default;
 
-std::ostream& operator<<(std::ostream& os, const CKestaExc& refException)
+std::ostream& operator<<(std::ostream& os, CKestaExc& refException)
 {
     // The number goes out as text: in decimal, whatever base the stream is set to.
     return os << CKestaString(refException.GetErrorNumber()) << ';' << refException.GetErrorSource()

@@ -6,16 +6,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <stdexcept>
+
+using KestaTextDetail::upToNul;
+using KestaTextDetail::viewOf;
 
 namespace
 {
-
-// White space of the "C" locale, whatever locale the host has set.
-bool isSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
 
 char lowered(char c)
 {
@@ -32,8 +28,6 @@ bool sameIgnoringCase(std::string_view left, std::string_view right)
 // memmem takes linear time for every text and delimiter; std::string::find does not.
 std::size_t findFrom(std::string_view text, std::string_view delimiter, std::size_t ulFrom)
 {
-    if (delimiter.size() == 1)
-        return text.find(delimiter.front(), ulFrom);   // a third of memmem's way to it
     const void* pFound =
         memmem(text.data() + ulFrom, text.size() - ulFrom, delimiter.data(), delimiter.size());
     if (pFound == nullptr)
@@ -41,10 +35,24 @@ std::size_t findFrom(std::string_view text, std::string_view delimiter, std::siz
     return static_cast<std::size_t>(static_cast<const char*>(pFound) - text.data());
 }
 
+// The text of a number in the host's locale. The format is no literal at the call of snprintf
+// because compilers warn of "I", which asks for the locale's own digits.
+template <class TNumber>
+std::string formatted(const char* pszFormat, TNumber number)
+{
+    // The largest double has this many digits before the point; sign, point, six decimals and the
+    // NUL follow.
+    char szNumber[std::numeric_limits<double>::max_exponent10 + 32];
+    std::snprintf(szNumber, sizeof szNumber, pszFormat, number);
+    return szNumber;
+}
+
 int countIn(std::string_view text, std::string_view delimiter)
 {
     if (delimiter.empty())
         return 0;
+    if (delimiter.size() == 1)
+        return static_cast<int>(std::count(text.begin(), text.end(), delimiter.front()));
     int iCount = 0;
     std::size_t ulFound = findFrom(text, delimiter, 0);
     while (ulFound != std::string_view::npos)
@@ -55,34 +63,51 @@ int countIn(std::string_view text, std::string_view delimiter)
     return iCount;
 }
 
+struct CStop
+{
+    std::size_t ulTokenEnd;    // at the delimiter, or at a NUL byte before it
+    std::size_t ulDelimiter;   // npos: none
+};
+
+CStop stopFrom(const std::string& strText, const std::string& strDelimiter, std::size_t ulFrom)
+{
+    if (strDelimiter.size() == 1)
+    {
+        // One look for both: mostly the delimiter stands before any NUL byte.
+        const char cDelimiter = strDelimiter.front();
+        const char* const pszStop = strchrnul(strText.c_str() + ulFrom, cDelimiter);
+        const auto ulStop = static_cast<std::size_t>(pszStop - strText.c_str());
+        if (ulStop < strText.size() && *pszStop == cDelimiter)
+            return {ulStop, ulStop};
+        return {ulStop, strText.find(cDelimiter, ulStop)};
+    }
+    const std::size_t ulDelimiter = findFrom(strText, strDelimiter, ulFrom);
+    const std::string_view token = std::string_view(strText).substr(ulFrom, ulDelimiter - ulFrom);
+    return {ulFrom + upToNul(token).size(), ulDelimiter};
+}
+
 }   // namespace
 
 CKestaString::CKestaString(int ival) : std::string(std::to_string(ival)) {}
 
 CKestaString::CKestaString(long lval) : std::string(std::to_string(lval)) {}
 
+CKestaString::CKestaString(long long llval) : std::string(std::to_string(llval)) {}
+
+CKestaString::CKestaString(unsigned int uval) : std::string(std::to_string(uval)) {}
+
 CKestaString::CKestaString(std::size_t sparam)
-    : std::string(std::to_string(static_cast<std::int32_t>(static_cast<std::uint32_t>(sparam))))
+    : std::string(formatted("%Id", static_cast<std::int32_t>(static_cast<std::uint32_t>(sparam))))
 {
 }
 
-CKestaString::CKestaString(double dval)
-{
-    // The largest double has this many digits before the point; sign, point, six decimals and the
-    // NUL follow.
-    char szNumber[std::numeric_limits<double>::max_exponent10 + 32];
-    std::snprintf(szNumber, sizeof szNumber, "%f", dval);
-    assign(szNumber);
-}
+CKestaString::CKestaString(unsigned long long ullval) : std::string(std::to_string(ullval)) {}
+
+CKestaString::CKestaString(double dval) : std::string(formatted("%f", dval)) {}
 
 CKestaString::CKestaString(bool bval) : std::string(bval ? "True" : "False") {}
 
 CKestaString::~CKestaString() = default;
-
-void CKestaString::refuseNull()
-{
-    throw std::logic_error("CKestaString: a null pointer is no text");
-}
 
 CKestaString& CKestaString::operator=(const CKestaString& strparam)
 {
@@ -103,12 +128,12 @@ bool CKestaString::operator==(const CKestaString& strparam) const
     return std::strcmp(c_str(), strparam.c_str()) == 0;
 }
 
-bool CKestaString::equals(const CKestaString& strtocmp, bool bCase_Flag) const
+bool CKestaString::equals(CKestaString& strtocmp, bool bCase_Flag) const
 {
-    return equals(strtocmp.c_str(), bCase_Flag);
+    return equals(strtocmp.data(), bCase_Flag);
 }
 
-bool CKestaString::equals(const char* chartocmp, bool bCase_Flag) const
+bool CKestaString::equals(char* chartocmp, bool bCase_Flag) const
 {
     const std::string_view text = upToNul(*this);
     return bCase_Flag ? text == viewOf(chartocmp) : sameIgnoringCase(text, viewOf(chartocmp));
@@ -136,16 +161,11 @@ int CKestaString::countTokens(const CKestaString& strd) const
     return iDelims == 0 ? 0 : iDelims + 1;
 }
 
-bool CKestaString::getNextToken(CKestaString& result, const std::string& strd) const
+bool CKestaString::getNextToken(CKestaString& result, std::string strd) const
 {
-    return nextToken(result, strd);
-}
-
-bool CKestaString::nextToken(CKestaString& result, std::string_view delimiter) const
-{
-    if (!delimiter.empty())
+    if (!strd.empty())
     {
-        m_szdelim = delimiter;
+        m_szdelim.swap(strd);
         m_itokpos = 0;
     }
     else if (m_szdelim.empty())
@@ -155,15 +175,15 @@ bool CKestaString::nextToken(CKestaString& result, std::string_view delimiter) c
     if (ulStart >= size())
         return false;
 
-    const std::size_t ulFound = findFrom(*this, m_szdelim, ulStart);
-    if (ulFound == npos && ulStart == 0)
+    const CStop stop = stopFrom(*this, m_szdelim, ulStart);
+    if (stop.ulDelimiter == npos && ulStart == 0)
         return false;
 
-    const std::size_t ulEnd = ulFound == npos ? size() : ulFound;
-    const std::size_t ulNext = ulFound == npos ? size() : ulFound + m_szdelim.size();
+    const std::size_t ulNext =
+        stop.ulDelimiter == npos ? size() : stop.ulDelimiter + m_szdelim.size();
     m_itokpos = static_cast<long>(ulNext);
 
-    result.renew(upToNul(std::string_view(*this).substr(ulStart, ulEnd - ulStart)));
+    result.renew(std::string_view(*this).substr(ulStart, stop.ulTokenEnd - ulStart));
     return true;
 }
 
@@ -177,28 +197,18 @@ double CKestaString::toDouble() const
     return std::atof(c_str());
 }
 
-// The text up to its first NUL byte, without the white space at its ends.
-std::string_view CKestaString::trimmed(std::string_view text)
-{
-    text = upToNul(text);
-    while (!text.empty() && isSpace(text.back()))
-        text.remove_suffix(1);
-    while (!text.empty() && isSpace(text.front()))
-        text.remove_prefix(1);
-    return text;
-}
-
 CKestaString CKestaString::trim()
 {
     if (!empty())
-        renew(trimmed(*this));
+        renew(KestaTextDetail::trimmed(*this));
     return *this;
 }
 
 CKestaString CKestaString::removeSpaces()
 {
     char* const pszStart = data();
-    const char* const pszEnd = std::remove_if(pszStart, pszStart + upToNul(*this).size(), isSpace);
+    const char* const pszEnd =
+        std::remove_if(pszStart, pszStart + upToNul(*this).size(), KestaTextDetail::isSpace);
     if (!empty())
         renew(std::string_view(pszStart, static_cast<std::size_t>(pszEnd - pszStart)));
     return *this;

@@ -1,0 +1,8 @@
+#include "KestaMap.h"
+
+#include <iostream>
+
+std::ostream& kestaStandardOutput()
+{
+    return std::cout;
+}
