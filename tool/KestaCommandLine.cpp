@@ -103,7 +103,7 @@ private:
 
     std::string whatIsWrong(const CLI::ParseError& error) const
     {
-        const std::vector<std::string> unknown = m_root.remaining(true);
+        const std::vector<std::string> unknown = m_root.remaining();
         for (const std::string& strText : unknown)
         {
             if (strText.size() > 1 && strText.front() == '-')
@@ -119,7 +119,7 @@ private:
     // The parser's own text, but where it is hard to understand.
     static std::string plainly(const CLI::ParseError& error)
     {
-        const std::string strText = error.what();
+        std::string strText = error.what();
         const std::size_t ulColon = strText.find(':');
         if (error.get_name() == "ConversionError")
             return "invalid value" + strText.substr(ulColon);

@@ -36,7 +36,7 @@ std::string explanation(const std::string& strText, const CKestaAddressInterval&
     const std::string strIPv4 = strText.substr(strText.rfind(':') + 1);   // also when mapped
     if (withStarsZero(strIPv4) != textOf({false, interval.first}))
     {
-        const std::string strReading = "is read as " + endsOf(interval);
+        std::string strReading = "is read as " + endsOf(interval);
         const std::size_t ulLast = strIPv4.rfind(".*");
         if (ulLast == std::string::npos || ulLast + 2 != strIPv4.size())
             return strReading;
@@ -73,9 +73,11 @@ std::string starForms(const CKestaAddressInterval& interval)
         if ((interval.first & rest) != 0 || (interval.last & rest) != rest ||
             interval.first >> 8 >> 8 * iStars != interval.last >> 8 >> 8 * iStars)
             continue;
-        const std::string strFirst = starForm(interval.first, iStars);
+        std::string strForms = starForm(interval.first, iStars);
         const std::string strLast = starForm(interval.last, iStars);
-        return strFirst == strLast ? strFirst : "each of " + strFirst + " to " + strLast;
+        if (strForms != strLast)
+            strForms.insert(0, "each of ").append(" to ").append(strLast);
+        return strForms;
     }
     return "several ranges";
 }
@@ -132,7 +134,7 @@ std::string whatIsWrong(const std::string& strText, const CKestaExc& exc)
                "ranges";
     for (const auto instead : {&insteadOfPrefix, &insteadOfDash})
     {
-        if (const std::string strInstead = instead(strText); !strInstead.empty())
+        if (std::string strInstead = instead(strText); !strInstead.empty())
             return strInstead;
     }
     return std::string(withoutBlanks(exc.GetErrorMessage())) + "; see 'kesta range --help'";
