@@ -93,7 +93,7 @@ private:
         for (int i = 1; i < argc; ++i)
         {
             const std::string_view text(argv[i]);
-            if (text.size() > 1 && text.front() == '[' && text.back() == ']')
+            if (!text.empty() && text.front() == '[' && text.back() == ']')
                 throw CKestaToolError("argument " + inQuotes(text) +
                                       ": write addresses without brackets; for a file of that "
                                       "name use ./" +

@@ -110,11 +110,12 @@ private:
 };
 
 CFilterCommand::CFilterCommand(CLI::App& root)
-    : CKestaCommand(root, "filter", "Write the lines whose address lies in any of the ranges",
-                    "Each line begins with an address, which ends at the first white space or "
-                    "comma. Lines whose\naddress can't be read are reported, and never written. "
-                    "With -e or -f, all arguments are files.\n\nExit status: 0 when some line was "
-                    "selected, 1 when none was, 2 after an error")
+    : CKestaCommand(
+          root, "filter", "Write the lines whose address lies in any of the ranges",
+          "Each line begins with an address, which ends at the first white space or comma.\n"
+          "Lines whose address can't be read are reported, and never written. With -e or\n"
+          "-f, all arguments are files.\n\n"
+          "Exit status: 0 when some line was selected, 1 when none was, 2 after an error")
 {
     m_app.add_option("RANGE", m_strRange, "The range, as \"kesta range\" takes it")->type_name("");
     m_app.add_option("FILE", m_files, "The files to read; standard input when left out, or \"-\"")

@@ -77,8 +77,8 @@ private:
 
 CHostCommand::CHostCommand(CLI::App& root)
     : CKestaCommand(root, "host", "Show the host's name, system and addresses",
-                    "Shows every interface address with its family, its class, and whether the "
-                    "filter keeps it.\nThe filter drops loopback addresses always, and the classes "
+                    "Shows every interface address with its family, its class, and whether the\n"
+                    "filter keeps it. The filter always drops loopback addresses, and the classes\n"
                     "of --exclude.")
 {
     m_app.add_option("--exclude", m_strExcluded, exclusionHelp())->type_name("CLASSES");

@@ -82,15 +82,17 @@ private:
 };
 
 CRangeCommand::CRangeCommand(CLI::App& root)
-    : CKestaCommand(root, "range", "Describe a range; test addresses and ranges against it",
-                    "Prints the family of the range, its two ends, the number and the class of its "
-                    "addresses, and the shortest list of CIDR blocks that holds just these; then "
-                    "for each argument whether it is inside.\nWithout arguments the addresses of "
-                    "this host are tested.\nOf two ranges, it does not matter which contains the "
-                    "other.\n\nRanges: 10.1.2.3, 10.1.*.*, ::ffff:10.1.*.*, 2001:db8::1, "
-                    "2001:db8::/32 (the first address of the block), 2001:db8:1*. Refused are "
-                    "0.0.0.0, :: and excluded classes.\nExit status: 0 when something is inside, 1 "
-                    "when nothing is, 2 after an error")
+    : CKestaCommand(
+          root, "range", "Describe a range; test addresses and ranges against it",
+          "Prints the family of the range, its first and last address, the number and the\n"
+          "class of its addresses, and the shortest list of CIDR blocks that holds just\n"
+          "these; then for each argument whether it is inside. Without arguments the\n"
+          "addresses of this host are tested. Of two ranges, it does not matter which\n"
+          "contains the other.\n\n"
+          "Ranges: 10.1.2.3, 10.1.*.*, ::ffff:10.1.*.*, 2001:db8::1, 2001:db8:1* and\n"
+          "2001:db8::/32 (the first address of the block). Refused are 0.0.0.0, :: and\n"
+          "excluded classes.\n\n"
+          "Exit status: 0 when something is inside, 1 when nothing is, 2 after an error")
 {
     m_app.add_option("TEXT", m_strRange, "The range")->type_name("")->required();
     CLI::Option* const pArguments =

@@ -55,12 +55,14 @@ struct KestaAddressNumber
     }
 };
 
+/// The number of an IPv4 socket address.
 template <>
 inline KestaIPv4Number KestaAddressNumber::in(const sockaddr_storage& storage)
 {
     return of(reinterpret_cast<const sockaddr_in&>(storage).sin_addr);
 }
 
+/// The number of an IPv6 socket address.
 template <>
 inline KestaIPv6Number KestaAddressNumber::in(const sockaddr_storage& storage)
 {

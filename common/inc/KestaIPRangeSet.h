@@ -32,7 +32,9 @@ class KESTA_API KestaIPRangeSet
 {
 public:
     KestaIPRangeSet();
+    /// Takes the ranges over; the other set may only be assigned to or destroyed then.
     KestaIPRangeSet(KestaIPRangeSet&& other) noexcept;
+    /// Takes the ranges over; the other set may only be assigned to or destroyed then.
     KestaIPRangeSet& operator=(KestaIPRangeSet&& other) noexcept;
     ~KestaIPRangeSet();
 

@@ -61,12 +61,13 @@ public:
     bool writeLine(std::string strLine);
 
 private:
-    bool encipher(std::string& strLine);
-    bool write(const std::string& strBytes);
-    bool endsWith(std::string_view lineEnd) const;
-    void renameLocked(const CKestaString& strPath, const CKestaString& strNewPath,
-                      long lLimit) const;
-    bool isRolledOver(const CKestaString& strPath, const CKestaString& strNewPath) const;
+    KESTA_LOCAL bool encipher(std::string& strLine);
+    KESTA_LOCAL bool write(const std::string& strBytes);
+    KESTA_LOCAL bool endsWith(std::string_view lineEnd) const;
+    KESTA_LOCAL void renameLocked(const CKestaString& strPath, const CKestaString& strNewPath,
+                                  long lLimit) const;
+    KESTA_LOCAL bool isRolledOver(const CKestaString& strPath,
+                                  const CKestaString& strNewPath) const;
 
     int m_iFile = -1;   // none
     bool m_bEnciphered = false;
