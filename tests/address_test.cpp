@@ -186,9 +186,9 @@ TEST_F(AddressTest, ClassCheckUnderAllFlags)
     // 1 is excluded as link-local, 2 as site-local, 4 as multicast, 8 always, 0 never
     const std::pair<const char*, int> rows[] = {{"0.0.0.0", 8}, {"127.0.0.1", 0}, {"10.0.0.1", 2},
         {"172.15.0.1", 0}, {"172.16.0.1", 2}, {"172.31.255.255", 2}, {"172.32.0.1", 0},
-        {"192.168.1.1", 2}, {"169.254.1.1", 1}, {"224.0.0.1", 4}, {"240.0.0.1", 0}, {"::", 8},
-        {"::1", 0}, {"::2", 8}, {"::ffff:10.1.2.3", 0}, {"fe7f::1", 0}, {"febf::1", 1},
-        {"fec0::1", 2}, {"ff02::1", 4}};
+        {"192.168.1.1", 2}, {"169.254.1.1", 1}, {"169.255.1.1", 0}, {"192.169.1.1", 0},
+        {"224.0.0.1", 4}, {"240.0.0.1", 0}, {"::", 8}, {"::1", 0}, {"::2", 8},
+        {"::ffff:10.1.2.3", 0}, {"fe7f::1", 0}, {"febf::1", 1}, {"fec0::1", 2}, {"ff02::1", 4}};
     KestaIPv4Address::m_bIPv4LoopBack = KestaIPv6Address::m_bIPv6LoopBack = true;
     for (const auto& [text, classes] : rows)
         for (int flags = 0; flags < 8; ++flags)

@@ -2,6 +2,9 @@
 
 #include "KestaAddressCodec.h"
 
+#include <netinet/in.h>
+#include <sys/socket.h>
+
 namespace
 {
 

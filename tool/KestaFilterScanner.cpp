@@ -1,5 +1,6 @@
 #include "KestaFilterScanner.h"
 
+#include "KestaAddressNumber.h"
 #include "KestaToolText.h"
 
 #include <algorithm>

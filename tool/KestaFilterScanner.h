@@ -4,6 +4,7 @@
 #include "KestaAddressText.h"
 #include "KestaIPRangeSet.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>

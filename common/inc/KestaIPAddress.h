@@ -1,7 +1,6 @@
 #ifndef KESTA_IP_ADDRESS_H
 #define KESTA_IP_ADDRESS_H
 
-#include "KestaAddressNumber.h"
 #include "KestaExport.h"
 #include "KestaString.h"
 

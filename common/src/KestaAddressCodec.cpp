@@ -1,10 +1,13 @@
 #include "KestaAddressCodec.h"
 
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <string>
 
 #include <arpa/inet.h>
+#include <endian.h>
+#include <sys/socket.h>
 
 namespace
 {

@@ -8,7 +8,7 @@
 #include "KestaIPAddress.h"
 
 #include <algorithm>
-#include <exception>
+#include <exception>   // IWYU pragma: export
 #include <string>
 
 #include <netinet/in.h>

@@ -1,6 +1,7 @@
 #include "KestaIPRange.h"
 
 #include "KestaAddressDetail.h"
+#include "KestaException.h"
 #include "KestaIPUtilities.h"
 #include "KestaIPv4Address.h"
 #include "KestaIPv6Address.h"
@@ -10,6 +11,8 @@
 #include <cstdlib>
 #include <new>
 #include <utility>
+
+#include <netinet/in.h>
 
 namespace
 {

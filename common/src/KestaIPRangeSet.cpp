@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include <sys/socket.h>
+
 namespace
 {
 

@@ -2,6 +2,7 @@
 
 #include "KestaAddressCodec.h"
 #include "KestaAddressDetail.h"
+#include "KestaAddressNumber.h"
 #include "KestaDebug.h"
 
 #include <cerrno>
@@ -10,6 +11,7 @@
 #include <string_view>
 
 #include <ifaddrs.h>
+#include <sys/socket.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 

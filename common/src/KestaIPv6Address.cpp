@@ -4,6 +4,8 @@
 #include "KestaDebug.h"
 #include "KestaIPUtilities.h"
 
+#include <sys/socket.h>
+
 bool KestaIPv6Address::m_bIPv6LoopBack = false;
 bool KestaIPv6Address::m_bIPv6MutliCast = false;
 bool KestaIPv6Address::m_bIPv6LinkLocal = false;
