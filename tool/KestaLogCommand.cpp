@@ -77,7 +77,7 @@ CKestaFollowedLog configuredLog()
 /// Of a log elsewhere only the names are known.
 CKestaFollowedLog logAt(const std::string& strPath)
 {
-    const CKestaFollowedLog configured = configuredLog();
+    CKestaFollowedLog configured = configuredLog();
     if (strPath == configured.strLog)
         return configured;
     if (fileNameOf(strPath) != fileNameOf(configured.strLog))

@@ -61,7 +61,7 @@ public:
     bool writeLine(std::string strLine);
 
 private:
-    KESTA_LOCAL bool encipher(std::string& strLine);
+    KESTA_LOCAL bool encipher(std::string& strLine) const;
     KESTA_LOCAL bool write(const std::string& strBytes);
     KESTA_LOCAL bool endsWith(std::string_view lineEnd) const;
     KESTA_LOCAL void renameLocked(const CKestaString& strPath, const CKestaString& strNewPath,

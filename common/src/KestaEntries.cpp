@@ -32,7 +32,7 @@ void release()
     pOwner = nullptr;
     bInherited = false;
     ++ulReleases;
-    pthread_mutex_trylock(&ghMutex);
+    static_cast<void>(pthread_mutex_trylock(&ghMutex));
     pthread_mutex_unlock(&ghMutex);
 }
 
@@ -90,7 +90,8 @@ void takeMutex()
             return;   // nobody can have released it
         if (pOwner == nullptr)
         {
-            pthread_mutex_trylock(&ghMutex);   // in case that it was released: it is taken now
+            // In case that it was released: it is taken now.
+            static_cast<void>(pthread_mutex_trylock(&ghMutex));
             return;
         }
         // It was released, and is another thread's by now.

@@ -50,8 +50,8 @@ CKestaExc::CKestaExc(long lNumber, CKestaString strSource, CKestaString strMessa
 
 CKestaExc::CKestaExc(const CKestaExc& refException) : m_lErrorNumber(-9999)
 {
-    *this =
-        refException;   // now, not above: an object that is made a copy of itself is built first
+    if (this != &refException)   // a copy of itself holds nothing
+        *this = refException;
 }
 
 CKestaExc::~CKestaExc() = default;

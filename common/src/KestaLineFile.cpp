@@ -211,7 +211,7 @@ bool CKestaLineFile::writeLine(std::string strLine)
     return write(strLine);
 }
 
-bool CKestaLineFile::encipher(std::string& strLine)
+bool CKestaLineFile::encipher(std::string& strLine) const
 {
     if (const CKestaHostSetup::LineCipher pCipher = CKestaHostSetup::getLineCipher())
     {
