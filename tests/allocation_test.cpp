@@ -20,7 +20,8 @@ static struct
     bool happened = false;
 } failure;
 
-void* operator new(std::size_t size)
+// Not inlined, because g++ would take the pair of malloc and delete for a mistake.
+[[gnu::noinline]] void* operator new(std::size_t size)
 {
     ++allocations;
     if (failure.next > 0 && --failure.next == 0)
@@ -34,9 +35,9 @@ void* operator new(std::size_t size)
     throw std::bad_alloc();
 }
 
-void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
 
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 /// What comes of an operation whose n-th allocation fails, for every n that it has.
 template <class Work>

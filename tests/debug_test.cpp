@@ -22,6 +22,19 @@ TEST_F(DebugTest, LinesOfAllKinds)
                           "[t]:s:m", "[EXC]:src:-1,Unknown Error:why", "as it stands"}));
 }
 
+TEST_F(DebugTest, ErrorObjectsAreAskedInOrder)
+{
+    struct Asked : CKestaExc
+    {
+        CKestaString GetErrorSource() const override { return order += "source "; }
+        long GetErrorNumber() const override { return order += "number ", 7; }
+        CKestaString GetErrorMessage() const override { return order += "message"; }
+        mutable CKestaString order;
+    } asked;
+    EXPECT_EQ(traced([&] { CKestaDebug::logMessage(asked); }),
+        Lines{"[EXC]:source :7,source number message"});
+}
+
 TEST_F(DebugTest, SwitchAndLevel)
 {
     const std::tuple<const char*, std::size_t, bool> rows[] = {{"DEBUGLEVEL=2", 4, true},

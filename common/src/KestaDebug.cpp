@@ -36,7 +36,8 @@ void beginTraced(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
             return;
         try
         {
-            const CKestaTraceSettings settings = pSettings ? *pSettings : currentTraceSettings();
+            const CKestaTraceSettings settings =
+                pSettings != nullptr ? *pSettings : currentTraceSettings();
             bWarning = !log.setUp(strFilePath, bEncrypted, iLevel, settings) &&
                        settings.strDebugEnabled.equals("Y", false);
         }
