@@ -41,8 +41,15 @@ header in group && !opened && /^$/ {
     opened = 1
     $0 = "/** @addtogroup " group[header] " */ /** @{ */"
 }
-# Copying as the language does it needs no words.
-/^ +[^(]*\(const [A-Za-z0-9_]+& [a-zA-Z]+\) = default;$/ { $0 = "" }
+# Copying as the language does it needs no words; nor does what macros hide.
+/^ +[^(]*\(const [A-Za-z0-9_]+& [a-zA-Z]+\) = default;( *\/\/.*)?$/ { $0 = "" }
+header in group && /^#define [A-Z0-9_]+\(/ { $0 = "" }
+# Members without a blank line between them share the comment of the first.
+header in group {
+    if (ended && /^    [a-zA-Z]/)
+        sub(/^    /, "    /** As the one above. */ ")
+    ended = /^    .*[;}]$/ && !/^     /
+}
 
 # Headings of pages get the names that links use, made unique by the name of the file.
 FILENAME ~ /\.md$/ && /^```/ { code = !code }

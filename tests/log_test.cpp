@@ -106,8 +106,13 @@ protected:
     int end(int signal)
     {
         int status = 0;
-        if (follower > 0 && kill(follower, signal) == 0)
-            waitpid(follower, &status, 0);
+        if (follower > 0)
+            until(   // since one that has hardly begun still ignores the signal
+                [&]
+                {
+                    kill(follower, signal);
+                    return waitpid(follower, &status, WNOHANG) != 0;
+                });
         follower = -1;
         return WIFSIGNALED(status) ? WTERMSIG(status) : -1;
     }

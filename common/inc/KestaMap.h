@@ -12,7 +12,7 @@
 #include <type_traits>
 #include <utility>
 
-/// `std::cout`, for `CKestaMap::dump`: <iostream> would make every user of the header set it up.
+/// `std::cout`, for `CKestaMap::dump`: `<iostream>` would make every user of the header set it up.
 KESTA_API std::ostream& kestaStandardOutput();
 
 /// An ordered map of unique keys with a cursor of its own.

@@ -229,6 +229,7 @@ private:
 template <>
 struct std::hash<CKestaString>
 {
+    /// The hash of a text.
     std::size_t operator()(const CKestaString& strText) const noexcept
     {
         return std::hash<std::string_view>()(KestaTextDetail::upToNul(strText));
