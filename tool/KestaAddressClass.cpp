@@ -1,5 +1,9 @@
 #include "KestaAddressClass.h"
 
+#include "KestaAddressNumber.h"
+
+#include <cstdint>
+
 namespace
 {
 

@@ -1,5 +1,7 @@
 #include "KestaAddressInterval.h"
 
+#include "KestaAddressText.h"
+
 #include <algorithm>
 
 CKestaAddressInterval intervalOf(const KestaIPRange& range)

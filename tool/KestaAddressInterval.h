@@ -1,7 +1,8 @@
 #ifndef KESTA_ADDRESS_INTERVAL_H
 #define KESTA_ADDRESS_INTERVAL_H
 
-#include "KestaAddressText.h"
+#include "KestaAddressNumber.h"
+#include "KestaIPAddress.h"
 #include "KestaIPRange.h"
 
 #include <string>

@@ -4,12 +4,14 @@
 #include "KestaException.h"
 #include "KestaIPv4Address.h"
 #include "KestaIPv6Address.h"
+#include "KestaString.h"
 #include "KestaToolError.h"
 #include "KestaToolText.h"
 
 #include <charconv>
 #include <cstdio>
 #include <ctime>
+#include <system_error>
 
 namespace
 {

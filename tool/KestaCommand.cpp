@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <memory>
+
 CKestaCommand::CKestaCommand(CLI::App& root, const char* pszName, const char* pszHelp,
                              const char* pszFooter)
     : m_app(*root.add_subcommand(pszName, pszHelp))

@@ -1,5 +1,6 @@
 #include "KestaCommandLine.h"
 
+#include "KestaCommand.h"
 #include "KestaCommands.h"
 #include "KestaDebug.h"
 #include "KestaEntry.h"
@@ -8,6 +9,7 @@
 #include "KestaInput.h"
 #include "KestaOutput.h"
 #include "KestaOutputToError.h"
+#include "KestaString.h"
 #include "KestaToolError.h"
 #include "KestaToolText.h"
 #include "KestaVersion.h"
@@ -15,9 +17,12 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cstddef>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace
 {

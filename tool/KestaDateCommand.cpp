@@ -1,12 +1,19 @@
 #include "KestaArgument.h"
+#include "KestaCommand.h"
 #include "KestaCommands.h"
+#include "KestaDate.h"
 #include "KestaJson.h"
+#include "KestaOutput.h"
+#include "KestaString.h"
 #include "KestaTable.h"
 #include "KestaToolError.h"
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include <climits>
+#include <memory>
+#include <stdexcept>
 
 namespace
 {

@@ -6,6 +6,7 @@
 #include "KestaToolText.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <string_view>
 #include <vector>
 

@@ -1,3 +1,4 @@
+#include "KestaCommand.h"
 #include "KestaCommands.h"
 #include "KestaFilterScanner.h"
 #include "KestaInput.h"
@@ -10,6 +11,11 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <vector>
 
 namespace
 {

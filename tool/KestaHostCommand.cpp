@@ -1,15 +1,25 @@
 #include "KestaAddressClass.h"
+#include "KestaAddressInterval.h"
 #include "KestaAddressText.h"
+#include "KestaArray.h"
+#include "KestaCommand.h"
 #include "KestaCommands.h"
 #include "KestaExclusion.h"
 #include "KestaHostAddresses.h"
+#include "KestaIPUtilities.h"
 #include "KestaJson.h"
+#include "KestaOutput.h"
+#include "KestaString.h"
 #include "KestaTable.h"
 #include "KestaToolError.h"
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include <cerrno>
+#include <memory>
+#include <stdexcept>
+#include <vector>
 
 namespace
 {

@@ -1,6 +1,7 @@
 #include "KestaInput.h"
 
 #include <cerrno>
+#include <cstddef>
 
 #include <fcntl.h>
 #include <sys/stat.h>

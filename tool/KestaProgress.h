@@ -4,6 +4,8 @@
 #include "KestaInput.h"
 
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 
 /// Shows how much of a file has been read, once that takes more than a second. Only a terminal's
 /// standard error shows it, and only for files whose size is known; it disappears with the object.

@@ -1,13 +1,18 @@
 #include "KestaRangeArgument.h"
 
 #include "KestaAddressInterval.h"
+#include "KestaAddressNumber.h"
+#include "KestaAddressText.h"
 #include "KestaArgument.h"
 #include "KestaDebug.h"
 #include "KestaException.h"
+#include "KestaString.h"
 #include "KestaToolError.h"
 #include "KestaToolText.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <vector>
 
 #include <sys/stat.h>
 

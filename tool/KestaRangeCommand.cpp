@@ -2,17 +2,27 @@
 #include "KestaAddressInterval.h"
 #include "KestaAddressText.h"
 #include "KestaArgument.h"
+#include "KestaCommand.h"
 #include "KestaCommands.h"
 #include "KestaExclusion.h"
 #include "KestaHostAddresses.h"
+#include "KestaIPAddress.h"
+#include "KestaIPRange.h"
 #include "KestaJson.h"
+#include "KestaOutput.h"
 #include "KestaRangeArgument.h"
 #include "KestaTable.h"
 #include "KestaToolError.h"
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+#include <sys/socket.h>
 
 namespace
 {

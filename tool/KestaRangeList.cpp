@@ -5,6 +5,9 @@
 #include "KestaToolError.h"
 #include "KestaToolText.h"
 
+#include <cstddef>
+#include <memory>
+
 void CKestaRangeList::add(const std::string& strText, const std::string& strPlace)
 {
     try

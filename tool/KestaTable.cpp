@@ -4,6 +4,8 @@
 #include "KestaToolText.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <memory>
 
 namespace
 {

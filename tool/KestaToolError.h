@@ -1,6 +1,7 @@
 #ifndef KESTA_TOOL_ERROR_H
 #define KESTA_TOOL_ERROR_H
 
+#include <exception>
 #include <stdexcept>
 #include <string>
 

@@ -1,6 +1,7 @@
 #include "KestaToolText.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace
 {
