@@ -127,8 +127,8 @@ std::vector<Block> blocksNested(std::size_t count, std::mt19937& chance)
         const auto share = chance() % 100;
         const int prefix = share < 1 ? 16 : share < 60 ? 24 : 32;
         const std::uint32_t first = anyAddress(chance);
-        blocks.push_back({first & static_cast<std::uint32_t>(~std::uint64_t{0} << (32 - prefix)),
-                          prefix});
+        blocks.push_back(
+            {first & static_cast<std::uint32_t>(~std::uint64_t{0} << (32 - prefix)), prefix});
     }
     return blocks;
 }
@@ -265,7 +265,8 @@ public:
     }
     bool holds(const typename Family::KestaAddress& address) const
     {
-        return std::any_of(m_ranges.begin(), m_ranges.end(), [&address](const KestaIPRange& range)
+        return std::any_of(m_ranges.begin(), m_ranges.end(),
+                           [&address](const KestaIPRange& range)
                            { return range.isMember(&address); });
     }
 
