@@ -339,7 +339,7 @@ public:
         const std::size_t builds = std::clamp<std::size_t>(200000 / m_count, 1, 20);
         measure("building " + m_name + ", each", Set::name, build, m_count)
             ->Iterations(static_cast<benchmark::IterationCount>(builds))
-            ->Repetitions(5);
+            ->Repetitions(m_count < 1000000 ? 5 : 3);
     }
 
     template <class Set>
