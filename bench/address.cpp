@@ -1,5 +1,6 @@
 #include "bench.h"
 
+#include "KestaException.h"
 #include "KestaIPRange.h"
 #include "KestaIPv4Address.h"
 #include "KestaIPv6Address.h"
@@ -30,6 +31,7 @@ extern "C"   // which its header forgets
 #endif
 #ifdef BENCH_WITH_POCO
 #include <Poco/Net/IPAddress.h>
+#include <Poco/Net/NetException.h>
 #endif
 
 namespace
@@ -44,32 +46,49 @@ struct RangeText
     const char* prefix;   // the same for those who know prefixes only
 };
 
+/// A range that is made of a text, and which of the family's addresses it holds.
+struct Making
+{
+    RangeText range;
+    std::vector<bool> holds;
+};
+
 struct Family
 {
     const char* name;
     RangeText range;
     std::vector<const char*> addresses;   // the first half inside
     std::vector<RangeText> ranges;        // the first half inside, or around
+    std::vector<Making> makings;
+    RangeText refused;
 };
 
-const Family ipv4 = {"IPv4",
-                     {"10.1.*.*", "10.1.0.0/16"},
-                     {"10.1.0.0", "10.1.255.255", "10.1.2.3", "10.1.128.0", "10.0.255.255",
-                      "10.2.0.0", "192.168.1.1", "10.129.2.3"},
-                     {{"10.1.2.*", "10.1.2.0/24"},
-                      {"10.*.*.*", "10.0.0.0/8"},
-                      {"10.2.*.*", "10.2.0.0/16"},
-                      {"10.0.1.*", "10.0.1.0/24"}}};
+const Family ipv4 = {
+    "IPv4",
+    {"10.1.*.*", "10.1.0.0/16"},
+    {"10.1.0.0", "10.1.255.255", "10.1.2.3", "10.1.128.0", "10.0.255.255", "10.2.0.0",
+     "192.168.1.1", "10.129.2.3"},
+    {{"10.1.2.*", "10.1.2.0/24"},
+     {"10.*.*.*", "10.0.0.0/8"},
+     {"10.2.*.*", "10.2.0.0/16"},
+     {"10.0.1.*", "10.0.1.0/24"}},
+    {{{"10.1.*.*", "10.1.0.0/16"}, {true, true, true, true, false, false, false, false}},
+     {{"10.1.2.3", "10.1.2.3/32"}, {false, false, true, false, false, false, false, false}}},
+    {"10.1.2.300", "10.1.2.300/32"}};
 
-const Family ipv6 = {"IPv6",
-                     {"2001:db8::/32", "2001:db8::/32"},
-                     {"2001:db8::", "2001:db8:ffff:ffff:ffff:ffff:ffff:ffff", "2001:db8::1",
-                      "2001:db8:8000::", "2001:db7:ffff:ffff:ffff:ffff:ffff:ffff",
-                      "2001:db9::", "fe80::1", "2001:db8f::1"},
-                     {{"2001:db8:1::/48", "2001:db8:1::/48"},
-                      {"2001::/16", "2001::/16"},
-                      {"2001:db9::/32", "2001:db9::/32"},
-                      {"2001:db7:1::/48", "2001:db7:1::/48"}}};
+const Family ipv6 = {
+    "IPv6",
+    {"2001:db8::/32", "2001:db8::/32"},
+    {"2001:db8::", "2001:db8:ffff:ffff:ffff:ffff:ffff:ffff", "2001:db8::1", "2001:db8:8000::",
+     "2001:db7:ffff:ffff:ffff:ffff:ffff:ffff", "2001:db9::", "fe80::1", "2001:db8f::1"},
+    {{"2001:db8:1::/48", "2001:db8:1::/48"},
+     {"2001::/16", "2001::/16"},
+     {"2001:db9::/32", "2001:db9::/32"},
+     {"2001:db7:1::/48", "2001:db7:1::/48"}},
+    {{{"2001:db8::/32", "2001:db8::/32"}, {true, true, true, true, false, false, false, false}},
+     {{"2001:db8:*", "2001:db8::/32"}, {true, true, true, true, false, false, false, false}},
+     {{"2001:db8::1", "2001:db8::1/128"}, {false, false, true, false, false, false, false, false}}},
+    {"2001:db8::g", "2001:db8::g/128"}};
 
 std::vector<bool> firstHalf(std::size_t count)
 {
@@ -87,6 +106,7 @@ struct Kesta
     static constexpr char name[] = "kesta";
     typedef KestaAddress Address;
     typedef KestaIPRange Range;
+    typedef CKestaExc Refusal;
 
     static const char* text(const RangeText& range) { return range.ours; }
     static Address address(const char* text) { return Address(text); }
@@ -182,6 +202,7 @@ struct AsioV4 : Prefixed
     static constexpr char name[] = "Asio";
     typedef boost::asio::ip::address_v4 Address;
     typedef boost::asio::ip::network_v4 Range;
+    typedef boost::system::system_error Refusal;
 
     static Address address(const char* text) { return boost::asio::ip::make_address_v4(text); }
     static Range range(const char* text) { return boost::asio::ip::make_network_v4(text); }
@@ -197,6 +218,7 @@ struct AsioV6 : Prefixed
     static constexpr char name[] = "Asio";
     typedef boost::asio::ip::address_v6 Address;
     typedef boost::asio::ip::network_v6 Range;
+    typedef boost::system::system_error Refusal;
 
     static Address address(const char* text) { return boost::asio::ip::make_address_v6(text); }
     static Range range(const char* text) { return boost::asio::ip::make_network_v6(text); }
@@ -206,6 +228,49 @@ struct AsioV6 : Prefixed
         return hosts.find(address) != hosts.end();
     }
     static bool holds(const Range& range, const Range& other) { return asioHolds(range, other); }
+};
+
+// Both ends of a single address, each read from the text.
+template <class Asio>
+struct AsioTwice : Asio
+{
+    static constexpr char name[] = "Asio twice";
+    typedef typename Asio::Address Address;
+    struct Range
+    {
+        Address first;
+        Address last;
+    };
+
+    static const char* text(const RangeText& range) { return range.ours; }
+    static Range range(const char* text) { return {Asio::address(text), Asio::address(text)}; }
+    static bool holds(const Range& range, const Address& address)
+    {
+        return range.first <= address && address <= range.last;
+    }
+};
+
+// An error code in place of an exception.
+struct AsioCodeV4 : AsioV4
+{
+    static constexpr char name[] = "Asio's error code";
+    static bool refuses(const char* text)
+    {
+        boost::system::error_code error;
+        benchmark::DoNotOptimize(boost::asio::ip::make_network_v4(text, error));
+        return error.failed();
+    }
+};
+
+struct AsioCodeV6 : AsioV6
+{
+    static constexpr char name[] = "Asio's error code";
+    static bool refuses(const char* text)
+    {
+        boost::system::error_code error;
+        benchmark::DoNotOptimize(boost::asio::ip::make_network_v6(text, error));
+        return error.failed();
+    }
 };
 
 // Who asks for many addresses makes a range of addresses once, which can look them up. The hosts of
@@ -307,9 +372,21 @@ struct Poco_ : Prefixed
         return holds(range, other.network) || holds(other, range.network);
     }
 };
+
+// Told the family, it takes a wrong text for 0.0.0.0; left to find the family, it refuses.
+struct PocoRefusing : Prefixed
+{
+    static constexpr char name[] = "POCO";
+    typedef Poco::Net::InvalidAddressException Refusal;
+
+    static Poco::Net::IPAddress range(const char* text)
+    {
+        return Poco::Net::IPAddress(addressPart(text));
+    }
+};
 #endif
 
-/// The three works of a family.
+/// The works of a family.
 class FamilyWork
 {
 public:
@@ -317,9 +394,13 @@ public:
         : m_family(family), m_address(std::string("isMember(address), ") + family.name,
                                       firstHalf(family.addresses.size())),
           m_range(std::string("isMember(range), ") + family.name, firstHalf(family.ranges.size())),
-          m_making(std::string("range from ") + family.range.ours,
-                   {firstHalf(family.addresses.size())})
+          m_reading(std::string("address from a text, ") + family.name,
+                    firstHalf(family.addresses.size())),
+          m_refusing(std::string("a refused text, ") + family.name, {true})
     {
+        for (const Making& making : family.makings)
+            m_makings.emplace_back(std::string("range from ") + making.range.ours,
+                                   std::vector<std::vector<bool>>{making.holds});
     }
 
     template <class Who>
@@ -341,20 +422,56 @@ public:
                    { return Who::holds(*range, *other); });
     }
 
-    // A range is judged by what it says of the addresses.
+    // An address is judged by whether the range holds it ...
+    template <class Who>
+    void read() const
+    {
+        m_reading.by(
+            Who::name, m_family.addresses, [](const char* text) { return Who::address(text); },
+            [range = shared<Who>(m_family.range)](const typename Who::Address& address)
+            { return Who::holds(*range, address); });
+    }
+
+    // ... and a range by what it says of the addresses.
     template <class Who>
     void make() const
     {
-        m_making.by(
-            Who::name, std::vector<const char*>{Who::text(m_family.range)},
-            [](const char* text) { return Who::range(text); },
-            [this](const typename Who::Range& range)
-            {
-                std::vector<bool> answers;
-                for (const auto& address : addresses<Who>())
-                    answers.push_back(Who::holds(range, address));
-                return answers;
-            });
+        for (std::size_t i = 0; i < m_makings.size(); ++i)
+            make<Who>(m_makings[i], m_family.makings[i].range);
+    }
+
+    // Who makes nothing but single addresses.
+    template <class Who>
+    void makeSingle() const
+    {
+        make<Who>(m_makings.back(), m_family.makings.back().range);
+    }
+
+    // From the text to the handler of the error.
+    template <class Who>
+    void refuse() const
+    {
+        m_refusing.by(Who::name, std::vector<const char*>{Who::text(m_family.refused)},
+                      [](const char* text)
+                      {
+                          try
+                          {
+                              const auto range = Who::range(text);
+                              benchmark::DoNotOptimize(&range);
+                              return false;
+                          }
+                          catch (const typename Who::Refusal&)
+                          {
+                              return true;
+                          }
+                      });
+    }
+
+    template <class Who>
+    void refuseWithoutThrowing() const
+    {
+        m_refusing.by(Who::name, std::vector<const char*>{Who::text(m_family.refused)},
+                      [](const char* text) { return Who::refuses(text); });
     }
 
     template <class Who>
@@ -362,10 +479,26 @@ public:
     {
         askForAddresses<Who>();
         askForRanges<Who>();
+        read<Who>();
         make<Who>();
     }
 
 private:
+    template <class Who>
+    void make(const Work<std::vector<bool>>& work, const RangeText& range) const
+    {
+        work.by(
+            Who::name, std::vector<const char*>{Who::text(range)},
+            [](const char* text) { return Who::range(text); },
+            [this](const typename Who::Range& made)
+            {
+                std::vector<bool> answers;
+                for (const auto& address : addresses<Who>())
+                    answers.push_back(Who::holds(made, address));
+                return answers;
+            });
+    }
+
     template <class Who>
     std::vector<typename Who::Address> addresses() const
     {
@@ -385,7 +518,9 @@ private:
     const Family& m_family;
     Work<bool> m_address;
     Work<bool> m_range;
-    Work<std::vector<bool>> m_making;
+    Work<bool> m_reading;
+    Work<bool> m_refusing;
+    std::vector<Work<std::vector<bool>>> m_makings;
 };
 
 }   // namespace
@@ -396,6 +531,8 @@ void addAddressWork()
     const FamilyWork v6(ipv6);
     v4.all<Kesta<KestaIPv4Address>>();
     v6.all<Kesta<KestaIPv6Address>>();
+    v4.refuse<Kesta<KestaIPv4Address>>();
+    v6.refuse<Kesta<KestaIPv6Address>>();
     v4.all<Floor<AF_INET, Bytes4>>();
     v6.all<Floor<AF_INET6, Bytes16>>();
 #ifdef BENCH_WITH_ASIO
@@ -405,6 +542,14 @@ void addAddressWork()
     v6.askForRanges<AsioV6>();
     v4.make<AsioV4>();
     v6.make<AsioV6>();
+    v4.makeSingle<AsioTwice<AsioV4>>();
+    v6.makeSingle<AsioTwice<AsioV6>>();
+    v4.read<AsioV4>();
+    v6.read<AsioV6>();
+    v4.refuse<AsioV4>();
+    v6.refuse<AsioV6>();
+    v4.refuseWithoutThrowing<AsioCodeV4>();
+    v6.refuseWithoutThrowing<AsioCodeV6>();
 #endif
 #ifdef BENCH_WITH_LIBCIDR
     v4.all<Libcidr>();
@@ -414,11 +559,15 @@ void addAddressWork()
     // It has no test for ranges.
     v4.askForAddresses<Libtins<Tins::IPv4Address>>();
     v6.askForAddresses<Libtins<Tins::IPv6Address>>();
+    v4.read<Libtins<Tins::IPv4Address>>();
     v4.make<Libtins<Tins::IPv4Address>>();
+    v6.read<Libtins<Tins::IPv6Address>>();
     v6.make<Libtins<Tins::IPv6Address>>();
 #endif
 #ifdef BENCH_WITH_POCO
     v4.all<Poco_<Poco::Net::IPAddress::IPv4>>();
     v6.all<Poco_<Poco::Net::IPAddress::IPv6>>();
+    v4.refuse<PocoRefusing>();
+    v6.refuse<PocoRefusing>();
 #endif
 }

@@ -9,7 +9,7 @@
 
 #include <benchmark/benchmark.h>
 
-// What the rooms of this program share. A measurement is named "<work>|<who>": who is "kesta", a
+// What the modules of this program share. A measurement is named "<work>|<who>": who is "kesta", a
 // peer, or "floor", the least that the machine can do the work with. table.py makes the lines of
 // its table of these names.
 
@@ -23,14 +23,14 @@
 
 /// Adds a measurement whose preparation is its own. `items` is what the time is divided by.
 template <class Loop>
-void measure(const std::string& work, const std::string& who, Loop loop, std::size_t items = 1)
+auto* measure(const std::string& work, const std::string& who, Loop loop, std::size_t items = 1)
 {
-    benchmark::RegisterBenchmark((work + "|" + who).c_str(),
-                                 [loop, items](benchmark::State& state)
-                                 {
-                                     loop(state);
-                                     state.counters["items"] = static_cast<double>(items);
-                                 });
+    return benchmark::RegisterBenchmark((work + "|" + who).c_str(),
+                                        [loop, items](benchmark::State& state)
+                                        {
+                                            loop(state);
+                                            state.counters["items"] = static_cast<double>(items);
+                                        });
 }
 
 /// The same work, done by several. Each one's answers are compared with the expected ones before
@@ -88,6 +88,7 @@ private:
 void addAddressWork();
 void addDateWork();
 void addLoadWork();
+void addSetWork();
 void addTextWork();
 void addTraceWork();
 

@@ -16,7 +16,7 @@ import sys
 import tempfile
 import time
 
-RUNS = 15
+RUNS = 9
 
 # (family, our ranges, the same as grepcidr takes them, where half of the addresses lie)
 FAMILIES = [

@@ -9,6 +9,7 @@ int main(int argc, char** argv)
         return 1;
     addTraceWork();
     addAddressWork();
+    addSetWork();
     addTextWork();
     addDateWork();
     addLoadWork();
