@@ -47,12 +47,14 @@ TEST(Date, Months)
 
 TEST(Date, Formats)
 {
-    const CKestaDate date("3/5/2007"), wrong("13/5/-103");
+    const std::string lowest = "-2147483648/-2147483648/-2147483648";
+    const CKestaDate date("3/5/2007"), wrong("13/5/-103"), far(lowest);
     const std::tuple<CKestaDate, int, const char*> rows[] = {{date, 0, "Mar 5, 2007"},
         {date, CKestaDate::DDMMYY, "05/03/07"}, {date, CKestaDate::DDMMYYYY, "05/03/2007"},
         {date, CKestaDate::MMDDYY, "03/05/07"}, {date, CKestaDate::MMDDYYYY, "03/05/2007"},
         {date, CKestaDate::MonDDYYYY, "Mar 5, 2007"}, {date, CKestaDate::DDMonYYYY, "5 Mar 2007"},
-        {date, 7, "Mar 5, 2007"}, {wrong, 6, "5   -103"}, {wrong, 1, "05/13/-3"}};
+        {date, 7, "Mar 5, 2007"}, {wrong, 6, "5   -103"}, {wrong, 1, "05/13/-3"},
+        {far, CKestaDate::DDMMYYYY, lowest.c_str()}};
     for (const auto& [from, format, want] : rows)
         EXPECT_EQ(from.getDateString(format), want) << format;
 }

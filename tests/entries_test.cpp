@@ -29,7 +29,17 @@ static bool mutexIsFree()
 TEST_F(EntriesTest, OfAnotherThreadKeepTheLog)
 {
     const auto trace = [] { KESTA_DEBUG1("other", 1); };
+    const auto turnOff = [] { CKestaDebug::enable(false); };
     const auto end = [] { unInitialize(); };
+    const auto inOwn = [](const std::function<void()>& work)
+    {
+        return [work]
+        {
+            const CKestaEntry own;
+            work();
+        };
+    };
+    const auto endTwice = [&] { inOwn([] {})(), end(); };
     const struct
     {
         const char* what;
@@ -37,39 +47,14 @@ TEST_F(EntriesTest, OfAnotherThreadKeepTheLog)
         Lines want;
         bool mutexFree;
     } rows[] = {{"no entry: traces", trace, {"first", "other", "last"}, false},
-        {"no entry: turns the switch off", [] { CKestaDebug::enable(false); }, {"first"}, false},
+        {"no entry: turns the switch off", turnOff, {"first"}, false},
         {"no entry: ends the one in progress", end, {"first"}, true},
-        {"level 0: traces",
-            [&]
-            {
-                const CKestaEntry own;
-                trace();
-            },
-            {"first", "last"}, false},
-        {"level 0: writes",
-            []
-            {
-                const CKestaEntry own;
-                CKestaDebug::writeMessage("x\n");
-            },
-            {"first", "last"}, false},
-        {"level 0: turns the switch off",
-            []
-            {
-                const CKestaEntry own;
-                CKestaDebug::enable(false);
-            },
-            {"first", "last"}, false},
-        {"level 0, nested", [] { const CKestaEntry own, inner; }, {"first", "last"}, false},
-        {"level 0, and once more",
-            [&]
-            {
-                {
-                    const CKestaEntry own;
-                }
-                end();
-            },
-            {"first"}, true}};
+        {"level 0: traces", inOwn(trace), {"first", "last"}, false},
+        {"level 0: writes", inOwn([] { CKestaDebug::writeMessage("x\n"); }), {"first", "last"},
+            false},
+        {"level 0: turns the switch off", inOwn(turnOff), {"first", "last"}, false},
+        {"level 0, nested", inOwn(inOwn([] {})), {"first", "last"}, false},
+        {"level 0, and once more", endTwice, {"first"}, true}};
     for (const auto& row : rows)
         inChild(
             [&]

@@ -10,14 +10,8 @@
 #include <ifaddrs.h>
 #include <sys/utsname.h>
 
-static bool raisedPrivileges = false;
 static int failing = 0;   // the errno of calls that are to fail
 static ifaddrs* interfaces = nullptr;
-
-extern "C" char* secure_getenv(const char* name) noexcept
-{
-    return raisedPrivileges ? nullptr : std::getenv(name);
-}
 
 extern "C" int getifaddrs(ifaddrs** result) noexcept
 {
@@ -48,28 +42,6 @@ static std::string socketText(const sockaddr_in6& address)
     CKestaString text;
     Utilities::convertIPv6AddressToString(&address, text);
     return text;
-}
-
-// Stands first: what the host has set counts for the rest of the process.
-TEST(HostSetup, Parameters)
-{
-    const std::string longest(2047, 'x'), tooLong(2048, 'x');
-    setenv("KESTA_INSTALLED_DIR", "/from/environment/", 1);
-    unsetenv("KESTA_DATA_DIR");
-    EXPECT_EQ(CKestaHostSetup::getParameter(1), "/from/environment/");
-    EXPECT_EQ(CKestaHostSetup::getParameter(2), "/var/opt/fernhold/");
-    raisedPrivileges = true;
-    EXPECT_EQ(CKestaHostSetup::getParameter(1), "/opt/fernhold/");
-    raisedPrivileges = false;
-    setenv("KESTA_INSTALLED_DIR", tooLong.c_str(), 1);
-    EXPECT_EQ(CKestaHostSetup::getParameter(1), "/opt/fernhold/");
-    setenv("KESTA_INSTALLED_DIR", longest.c_str(), 1);
-    EXPECT_FALSE(CKestaHostSetup::setParameter(1, tooLong));
-    EXPECT_EQ(CKestaHostSetup::getParameter(1), longest);
-    EXPECT_FALSE(CKestaHostSetup::setParameter(0, "x") || CKestaHostSetup::setParameter(3, "x"));
-    EXPECT_EQ(CKestaHostSetup::getParameter(3), "");
-    EXPECT_TRUE(CKestaHostSetup::setParameter(1, ""));
-    EXPECT_EQ(CKestaHostSetup::getParameter(1), "") << "an empty text counts as set";
 }
 
 class UtilitiesTest : public TraceFixture
@@ -167,9 +139,10 @@ TEST_F(UtilitiesTest, HostAndFilteredAddresses)
     EXPECT_EQ(traced(filter6), in + pass6 + checked("IPv6", true) + out);
     setExclusions(false, true, false);
     EXPECT_EQ(traced(filter6), in + pass6 + pass6 + adding + out);
-    EXPECT_TRUE(kept6.size() == 1 && kept6.getAt(0).getStrAddress() == "fe80::1");
+    ASSERT_EQ(kept6.size(), 1u);
+    EXPECT_EQ(kept6.getAt(0).getStrAddress(), "fe80::1");
     EXPECT_EQ(Utilities::queryHostIP(nullptr, list6, list4), 0);
-    EXPECT_TRUE(list4.size() == 6 && list6.size() == 4) << "appended";
+    EXPECT_EQ(std::pair(list4.size(), list6.size()), std::pair(6UL, 4UL)) << "appended";
 }
 
 TEST_F(UtilitiesTest, NamesAndFailures)
