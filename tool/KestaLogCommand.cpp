@@ -1,6 +1,8 @@
+#include "KestaCommand.h"
 #include "KestaCommands.h"
 #include "KestaConfiguration.h"
 #include "KestaDebug.h"
+#include "KestaFileFacts.h"
 #include "KestaInput.h"
 #include "KestaLogFacts.h"
 #include "KestaLogFollower.h"
@@ -9,10 +11,15 @@
 #include "KestaLogVerdict.h"
 #include "KestaOutput.h"
 #include "KestaProgress.h"
+#include "KestaString.h"
 #include "KestaToolError.h"
 #include "KestaTraceSettings.h"
 
 #include <CLI/CLI.hpp>
+
+#include <memory>
+#include <optional>
+#include <stdexcept>
 
 namespace
 {

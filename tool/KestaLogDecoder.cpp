@@ -1,6 +1,7 @@
 #include "KestaLogDecoder.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace
 {

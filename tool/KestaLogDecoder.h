@@ -1,7 +1,6 @@
 #ifndef KESTA_LOG_DECODER_H
 #define KESTA_LOG_DECODER_H
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 

@@ -4,6 +4,7 @@
 #include "KestaDebug.h"
 #include "KestaHostSetup.h"
 #include "KestaSettingsReader.h"
+#include "KestaString.h"
 #include "KestaTraceSettings.h"
 
 #include <algorithm>

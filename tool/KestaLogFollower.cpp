@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstddef>
+#include <iterator>
+#include <utility>
 
 namespace
 {

@@ -3,6 +3,7 @@
 
 #include "KestaLogDecoder.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 

@@ -1,14 +1,23 @@
 #include "KestaLogReport.h"
 
+#include "KestaFileFacts.h"
 #include "KestaJson.h"
 #include "KestaLogFacts.h"
 #include "KestaLogVerdict.h"
+#include "KestaOutput.h"
 #include "KestaTable.h"
 #include "KestaToolText.h"
 #include "KestaTraceSettings.h"
 
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
+#include <vector>
+
+#include <sys/stat.h>
 
 namespace
 {

@@ -1,16 +1,16 @@
 #include "KestaLogVerdict.h"
 
+#include "KestaFileFacts.h"
 #include "KestaLogFacts.h"
 #include "KestaToolError.h"
 #include "KestaToolText.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <optional>
-#include <string_view>
 
 #include <strings.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace
 {

@@ -3,6 +3,8 @@
 #include "KestaFileFacts.h"
 #include "KestaToolError.h"
 
+#include <cstdint>
+
 #include <poll.h>
 #include <sys/inotify.h>
 #include <unistd.h>

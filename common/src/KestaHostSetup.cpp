@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <pthread.h>
+
 #ifndef KESTA_DEFAULT_INSTALLED_DIR
 #define KESTA_DEFAULT_INSTALLED_DIR "/opt/fernhold/"
 #endif

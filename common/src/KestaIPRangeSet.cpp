@@ -2,6 +2,7 @@
 
 #include "KestaAddressNumber.h"
 #include "KestaException.h"
+#include "KestaString.h"
 
 #include <algorithm>
 #include <cstdint>

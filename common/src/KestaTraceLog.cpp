@@ -5,6 +5,7 @@
 #include "KestaHostSetup.h"
 #include "KestaProcess.h"
 
+#include <atomic>
 #include <limits>
 #include <utility>
 
