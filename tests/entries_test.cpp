@@ -203,6 +203,8 @@ TEST_F(EntriesTest, EndWithTheirThread)
 // Threads are cancelled wherever they may be; each time the next entry must find all in order.
 TEST_F(EntriesTest, OfCancelledThreadsEnd)
 {
+    if (addressSanitizer)
+        GTEST_SKIP();
     const auto guarded = [](void*) -> void*
     {
         for (;;)
@@ -249,6 +251,8 @@ TEST_F(EntriesTest, OfCancelledThreadsEnd)
 
 TEST_F(EntriesTest, MayBeCancelledWhileTheyWait)
 {
+    if (addressSanitizer)
+        GTEST_SKIP();
     const CKestaEntry entry;
     std::promise<void> begun;
     std::thread waiting(
@@ -267,6 +271,8 @@ TEST_F(EntriesTest, MayBeCancelledWhileTheyWait)
 
 TEST_F(EntriesTest, OfForkedChildren)
 {
+    if (addressSanitizer)
+        GTEST_SKIP();
     std::atomic<bool> stop{false};
     std::atomic<int> lines{0};
     configure("DEBUGLEVEL=3");

@@ -13,7 +13,7 @@ constexpr std::size_t ulLongestStart = 4096;
 
 bool endsAddress(char c)
 {
-    return c == '\n' || c == ' ' || c == ',' || (c >= '\t' && c <= '\r');
+    return c == ' ' || c == ',' || (c >= '\t' && c <= '\r');   // a newline, too
 }
 
 const char* findNewline(const char* pByte, const char* pEnd)
