@@ -15,8 +15,9 @@ typedef std::uint32_t KestaIPv4Number;
 /// An IPv6 address as a number, its first byte the most significant.
 __extension__ typedef unsigned __int128 KestaIPv6Number;
 
-/// Addresses as numbers, which order as the bytes of the addresses do from the first on. The bytes
-/// are copied out, because they may have been stored as those of another type.
+/// Converts addresses to numbers and back. The numbers order as the address bytes do, the first
+/// byte most significant. The bytes are copied, because they may be part of an object of another
+/// type.
 ///
 /// Thread contract: no state; any thread may call anything. Throws nothing.
 struct KestaAddressNumber
@@ -37,7 +38,7 @@ struct KestaAddressNumber
         return KestaIPv6Number{be64toh(halves[0])} << 64 | be64toh(halves[1]);
     }
 
-    /// What stands where a socket address of the family of `TNumber` keeps its address.
+    /// The number of the bytes where a socket address of the family of `TNumber` has its address.
     template <class TNumber>
     static TNumber in(const sockaddr_storage& storage);
 

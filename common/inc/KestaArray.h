@@ -33,7 +33,7 @@ public:
     /// The number of items.
     std::size_t size() const { return m_DataCollection.size(); }
 
-    /// The first item and the end, so that a range-based `for` goes through the array.
+    /// The first item and the end, for a range-based `for`.
     auto begin() { return m_DataCollection.begin(); }
     auto end() { return m_DataCollection.end(); }
     auto begin() const { return m_DataCollection.begin(); }

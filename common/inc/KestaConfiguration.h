@@ -12,12 +12,11 @@
 /// "#" are comments, keys are case-sensitive and count wherever they stand; the last of two equal
 /// keys wins. docs/trace-log.md describes the whole format.
 ///
-/// Thread contract: any thread may call anything at any time, also while the file changes. The
-/// values of a reading replace those of the one before at a single moment, and each value that an
-/// accessor gives is whole.
+/// Thread contract: any thread may call anything at any time, also while the file changes. A
+/// reading replaces all its values at once, and an accessor never returns half a value.
 ///
-/// Throws: nothing of its own; a file that cannot be read and lines that make no sense are no
-/// errors. `std::bad_alloc`, after which every setting is as it was.
+/// Throws: `std::bad_alloc` only, after which every setting is as it was. A file that cannot be
+/// read and lines that make no sense are not errors.
 class KESTA_API CKestaConfiguration
 {
 public:
@@ -25,15 +24,15 @@ public:
     virtual ~CKestaConfiguration();
 
     /// Takes the directories of the host set-up, resets the item filter to "ALL", and reads the
-    /// installation directory + "conf/" + the given name. Nothing is put between the directory and
-    /// "conf": the directory is expected to end with "/".
+    /// file whose path is the installation directory + "conf/" + the given name. Nothing is put
+    /// between the directory and "conf": the directory is expected to end with "/".
     ///
-    /// Returns 0 when the file could be opened, whatever it held, and -1 when not; every other
-    /// setting keeps its value then. Settings are read from a regular file only, and opening never
-    /// waits: a pipe counts as a file that could not be opened.
+    /// Returns 0 when the file could be opened, whatever it holds, and -1 otherwise; the other
+    /// settings then keep their values. Settings are read from a regular file only, and opening
+    /// never waits: a pipe counts as a file that could not be opened.
     static int initialize(const CKestaString& strConfigurationFile);
 
-    /// Reads the file at a full path; same results as `initialize`.
+    /// Reads the file at a path; the results are those of `initialize`.
     static int setDebugInfo(const CKestaString& strDebugConf);
 
     /// Splits a line at "=": the key is what stands before the first, the value what stands between

@@ -14,10 +14,10 @@ KESTA_API std::ostream& operator<<(std::ostream& os, CKestaDate& date);
 
 /// A calendar date: month, day and year as plain numbers.
 ///
-/// Only `setDate(int, int, int)` checks them; texts and day arithmetic store what comes out, and
-/// arithmetic on the fields wraps as 32-bit two's complement. Everything that crosses the end of a
-/// month is left to the system's local time (`mktime`, `localtime`), always at midnight: day 32 of
-/// January is 1 February. The system converts years from about -2^31 + 1900 to 2^31 + 1899.
+/// Only `setDate(int, int, int)` checks them; texts and day arithmetic store whatever results, and
+/// arithmetic on the fields wraps as 32-bit two's complement. A day beyond the end of its month is
+/// left to the system's local time (`mktime`, `localtime`), always at midnight: day 32 of January
+/// is 1 February. The system converts years from about -2^31 + 1900 to 2^31 + 1899.
 ///
 /// Thread contract: distinct objects are independent; several threads may read one date while
 /// nobody changes the time zone.
@@ -42,8 +42,8 @@ public:
     CKestaDate(long lTime);
 
     /// The date in a text, read as `setDate(strDate)` reads it. Only a variable converts
-    /// implicitly: constants and temporaries convert to `CKestaExc` alone, where a host has
-    /// overloads for both.
+    /// implicitly. Constants and temporaries do not, so that a host's overloads for `CKestaDate`
+    /// and `CKestaExc` are not ambiguous for them.
     CKestaDate(CKestaString& strDate);
     template <class = void>
     explicit CKestaDate(const CKestaString& strDate)
@@ -72,7 +72,7 @@ public:
     ///     12252007   month 0, day 0, year 0
     void setDate(const CKestaString& strDate);
 
-    /// Sets the date; what is out of range becomes the nearest that is not. Years go from 1500 to
+    /// Sets the date; a value out of range becomes the nearest valid one. Years go from 1500 to
     /// 4000, days to `DaysThisMonth()`. Returns 1 if anything was corrected, else 0.
     int setDate(int in_month, int in_day, int in_year);
 
@@ -88,8 +88,8 @@ public:
     /// "Jan" to "Dec"; a blank for a month outside 1 to 12.
     CKestaString getMonthString() const;
 
-    /// Midnight, local time, at the start of the date, in seconds since the epoch; -1 when the
-    /// system cannot tell.
+    /// Midnight, local time, at the start of the date, in seconds since the epoch; -1 for a date
+    /// that the system cannot convert.
     long getTime() const;
 
     /// -1, 0 or 1: this date starts before, with or after the other. 32 January and 1 February
@@ -99,14 +99,15 @@ public:
     /// True when month, day and year are the same numbers.
     bool operator==(const CKestaDate& other) const;
 
-    /// The opposite of `==`. It and the orderings are templates so that a host's own operator wins.
+    /// The opposite of `==`. This and the orderings are templates, so that a host's own operators
+    /// win.
     template <class = void>
     bool operator!=(const CKestaDate& other) const
     {
         return !(*this == other);
     }
 
-    /// The orderings go by `compare`: 32 January is neither before nor after 1 February, although
+    /// The orderings use `compare`: 32 January is neither before nor after 1 February, although
     /// the two are not equal.
     template <class = void>
     bool operator<(const CKestaDate& other) const
@@ -131,8 +132,8 @@ public:
 
     /// The days from the other date to this one, rounded: a whole number.
     ///
-    /// Not for going back: `date - 30` compiles, but converts 30 to the date of that time value, in
-    /// 1970, and gives the days since then. `+` goes back, see there.
+    /// Not for going back: `date - 30` compiles, but is the difference to the date of the time
+    /// value 30, which is in 1970. See `+` for going back.
     double operator-(const CKestaDate& other) const;
 
     /// The date that many days later. The sum wraps, so a negative number converted to unsigned
@@ -141,11 +142,12 @@ public:
     ///     date + 30
     ///     date + static_cast<unsigned int>(-30)   // 30 days earlier
     ///
-    /// Where the system cannot tell, the date of time value -1, the second before the epoch.
+    /// A date that the system cannot convert gives the date of time value -1, the second before
+    /// the epoch.
     CKestaDate operator+(unsigned int days) const;
 
-    /// Writes a date that is only read, as the operator above does any other. A template so that a
-    /// host's own operator wins.
+    /// Writes a const date, as the operator above does. A template, so that a host's own operator
+    /// wins.
     template <class = void>
     friend std::ostream& operator<<(std::ostream& os, const CKestaDate& date)
     {

@@ -18,30 +18,31 @@ class CKestaExc;
 /// the same thread blocks for ever.
 KESTA_API extern pthread_mutex_t ghMutex;
 
-/// The highest level that is traced now; below every level while tracing is off. Written by the
-/// library alone; `CKestaDebug::isTraced` is the way to ask.
+/// The highest level that is traced now; below every level while tracing is off. Only the library
+/// writes it; hosts ask `CKestaDebug::isTraced`.
 KESTA_API extern std::atomic<long> glKestaTracedLevel;
 
-/// The start of an entry into the library: reads the configuration and, unless its level is 0,
-/// takes the mutex and opens the trace log. `unInitialize` ends the entry. Hosts should use
-/// `CKestaEntry`, which calls both, even when an exception is thrown.
+/// Starts an entry into the library: reads the configuration and, unless its level is 0, takes the
+/// mutex and opens the trace log. `unInitialize` ends the entry. Hosts should use `CKestaEntry`,
+/// which calls both, even when an exception is thrown.
 ///
 /// Level 52813 gives a plain log, and writes every line; any other level gives an enciphered one.
-/// A log that can't be opened costs one line of warning on standard output, nothing else.
+/// If the log can't be opened, there is no tracing, and a line of warning on standard output when
+/// the switch of the configuration is on.
 ///
 /// The entry belongs to the calling thread, and ends at the latest when the thread does. Waits
-/// while another thread is in an entry with tracing. A thread may be cancelled here, at the start
-/// and while it waits; it has begun nothing then.
+/// while another thread is in an entry with tracing. A thread may be cancelled at the start of this
+/// function and while it waits; it has then begun nothing.
 ///
 /// Throws: `std::bad_alloc` only. Nothing is held then, and `unInitialize` is not to be called.
 KESTA_API void initialize();
 
-/// The end of an entry into the library: closes the trace log, and rolls it over when it has grown
-/// too large.
+/// Ends an entry into the library: closes the trace log, and rolls it over when it has grown too
+/// large.
 ///
 /// Intended: the mutex is released even when `initialize` did not take it (level 0), and a thread
-/// that is in no entry ends the one in progress, so that an entry may be begun on one thread and
-/// ended on another. A thread with an entry of its own ends that alone: entries of other threads
+/// that is in no entry ends the one in progress, so that an entry may begin on one thread and end
+/// on another. A thread that is in an entry of its own ends only that one: entries of other threads
 /// keep their log and the mutex.
 KESTA_API void unInitialize();
 
@@ -81,10 +82,10 @@ using IfValue = std::enable_if_t<isTraceable<T> && !isObject<T>, int>;
 ///
 /// Thread contract: any thread may call anything at any time. Lines go to the log of the entry in
 /// progress, each whole: those of the thread that made the entry, and those of threads that are in
-/// no entry. A thread whose own entry is at level 0 writes nothing. A thread may be cancelled at
-/// the start of a line that is to be written, never amid it.
+/// no entry. A thread whose own entry is at level 0 writes nothing. A thread may be cancelled
+/// before it writes a line, but never in the middle of one.
 ///
-/// A line that there is no memory for, or no room on the disk, is lost without an error. Making a
+/// A line for which there is no memory, or no room on the disk, is lost without an error. Making a
 /// text of an argument may throw, before anything is written.
 class KESTA_API CKestaDebug
 {
@@ -101,8 +102,8 @@ public:
     static int initialize(const CKestaString& strFilePath, bool bEncrypted, int iLevel);
 
     /// Closes the log, renames it when it is larger than the configured size, resets the settings
-    /// and releases the mutex. Without a log that was set up, it releases the mutex only. While
-    /// another thread's entry is in progress, a thread with an entry of its own ends that alone.
+    /// and releases the mutex. If no log is set up, it only releases the mutex. While another
+    /// thread's entry is in progress, a thread with an entry of its own ends only that one.
     static void unInitialize();
 
     /// Writes one line, if it is to be traced at this level.
@@ -113,11 +114,11 @@ public:
     /// number, "," and its message.
     static void logMessage(const CKestaExc& refException);
 
-    /// Turns the switch on or off: until the end of the entry, or, where no log is open, until the
-    /// next one begins.
+    /// Turns the switch on or off until the entry ends or, if no log is open, until the next one
+    /// begins.
     static void enable(bool bEnable);
 
-    /// Writes a text as it stands, if the switch is on; there is no test of level.
+    /// Writes a text as it stands, if the switch is on, whatever the level.
     static void writeMessage(const CKestaString& strMessage);
 
     /// True when lines of this level are traced. It is the test that every trace call makes before
@@ -127,20 +128,20 @@ public:
         return iLevel <= glKestaTracedLevel.load(std::memory_order_relaxed);
     }
 
-    /// Writes one line, if it is to be traced at this level. What `logMessage` does, without making
-    /// texts of its arguments, which end before their first NUL bytes.
+    /// Does what `logMessage` does, without making texts of its arguments. Each ends before its
+    /// first NUL byte.
     static void logText(std::string_view itemType, std::string_view source,
                         std::string_view message, int iLevel);
 
-    /// The whole of `KESTA_DEBUG1` and `KESTA_DEBUG2`: makes texts of its arguments, which a call
-    /// does only when the line is to be traced.
+    /// What `KESTA_DEBUG1` and `KESTA_DEBUG2` do with a line that is to be traced: makes texts of
+    /// the arguments and writes the line.
     template <class TSource, class TMessage>
     static void trace(const TSource& source, const TMessage& message, int iLevel)
     {
         logText("MSG", textOf(source), textOf(message), iLevel);
     }
 
-    /// The path of the trace log, by the configuration that was read last.
+    /// The path of the trace log, according to the configuration that was read last.
     static CKestaString getLogFile();
 
     /// The path that the log takes when it is rolled over.
@@ -163,9 +164,9 @@ private:
 /// Traces a message of the library itself, item type "MSG" and source "FH", at a level.
 ///
 /// The message is anything that converts to a `CKestaString`: texts, numbers (a single `char` too:
-/// 'c' is written as 99), objects of the host. While the line is not to be traced a call costs a
-/// test: nothing is converted, nothing is allocated. A null pointer is refused, with
-/// `std::logic_error`, only when the line is to be traced.
+/// 'c' is written as 99), objects of the host. If the line is not to be traced, a call costs one
+/// test: nothing is converted, nothing is allocated. A null pointer throws `std::logic_error`, but
+/// only if the line is to be traced.
 ///
 ///     KESTA_DEBUG1("x", 1);   // [MSG]:FH:x
 KESTA_API void KESTA_DEBUG1(CKestaString strMessage, int iLevel);
@@ -175,15 +176,15 @@ KESTA_API void KESTA_DEBUG1(CKestaString strMessage, int iLevel);
 ///     KESTA_DEBUG2("Acme::start()", "ready", 3);   // [MSG]:Acme::start():ready
 KESTA_API void KESTA_DEBUG2(CKestaString strSource, CKestaString strMessage, int iLevel);
 
-// A call goes to the overloads below, which convert nothing before the test. The name alone is the
-// function above: pointers, std::function, std::bind and std::thread take it.
+// Calls go to the overloads below, which convert nothing before the test. The name alone is the
+// function above, for pointers, std::function, std::bind and std::thread.
 #define KESTA_DEBUG1(...) kestaDebug1(__VA_ARGS__)
 #define KESTA_DEBUG2(...) kestaDebug2(__VA_ARGS__)
 
-// The templates take objects by reference and everything else by value: a class constant need not
-// be defined, a bit-field and a packed member have no reference. The first function takes texts
-// of ours, and the rest: arguments in braces, and objects that convert only while they are not
-// const. A host's own overload for a type of its own wins over all of them.
+// The templates take objects by reference, and everything else by value: a class constant need not
+// be defined, and no reference can be bound to a bit-field or a packed member. The first function
+// takes our own texts and what the templates do not: arguments in braces, and objects that convert
+// only when they are not const. A host's overload for a type of its own wins over all of them.
 inline void kestaDebug1(const CKestaString& strMessage, int iLevel)
 {
     if (CKestaDebug::isTraced(iLevel))

@@ -70,8 +70,8 @@ public:
     /// Returns 0, the NUL-terminated text in `pszMessage`; or -1, `pszMessage` left as it was.
     static int getErrMessage(long lNumber, char* pszMessage);
 
-    /// Writes an error object that is only read, as the operator above does any other. A template
-    /// so that a host's own operator wins.
+    /// Writes a const error object, as the operator above does. A template, so that a host's own
+    /// operator wins.
     template <class = void>
     friend std::ostream& operator<<(std::ostream& os, const CKestaExc& refException)
     {
@@ -101,7 +101,7 @@ class KESTA_API CKestaExc_FileNotFound : public CKestaExc
 public:
     CKestaExc_FileNotFound();
 
-    /// Intended: the text is not stored anywhere. Callers tell this error by its type alone.
+    /// Intended: the text is not stored anywhere. Callers recognise this error by its type alone.
     CKestaExc_FileNotFound(CKestaString strIgnored);
 
     CKestaExc_FileNotFound(const CKestaExc_FileNotFound& refException) = default;

@@ -13,8 +13,8 @@
 ///     CKestaHostSetup::setParameter(CKestaHostSetup::KESTA_INSTALLED_DIR, "/opt/acme/");
 ///     CKestaHostSetup::setParameter(CKestaHostSetup::KESTA_DATA_DIR, "/var/acme/");
 ///
-/// Thread contract: process-wide; any thread may call anything at any time. What is set counts from
-/// the next entry into the library on, a cipher from the next line on.
+/// Thread contract: process-wide; any thread may call anything at any time. A directory takes
+/// effect at the next entry into the library, a cipher at the next line.
 class KESTA_API CKestaHostSetup
 {
 public:
@@ -39,8 +39,8 @@ public:
     /// (/opt/fernhold/ and /var/opt/fernhold/). The empty text for another number.
     static CKestaString getParameter(int iNumber);
 
-    /// Sets the cipher of enciphered trace logs. Null, the default, means that there is none: such
-    /// a log is then framed, but readable by anyone who can open the file.
+    /// Sets the cipher of enciphered trace logs. Null, the default, means no cipher: the log is
+    /// then framed only, and readable by anyone who can open the file.
     static void setLineCipher(LineCipher pCipher);
 
     /// The cipher set last, or null.

@@ -11,17 +11,17 @@
 /// An IP address, held twice: as the text that it was made from, and as a socket address. The base
 /// of the two families.
 ///
-/// Of the socket address only the family and the address bytes mean something; the address is in
-/// network byte order, at bytes 4 to 7 for IPv4 (`sockaddr_in`) and 8 to 23 for IPv6
+/// In the socket address only the family and the address bytes have a meaning; the address is in
+/// network byte order, in bytes 4 to 7 for IPv4 (`sockaddr_in`) and 8 to 23 for IPv6
 /// (`sockaddr_in6`). The rest is zero after construction from text.
 ///
-/// The operators that take a pointer order by the address bytes, the first byte weighing most, and
-/// never look at the family: an address of the other family is judged by the bytes that stand in
-/// the same place. The pointer must not be null and stays the caller's.
+/// The operators that take a pointer compare the address bytes, the first byte most significant,
+/// and never look at the family: of an address of the other family they compare the bytes at the
+/// same place. The pointer must not be null and stays the caller's.
 ///
-/// Two values of one family can be compared as well, by `==` and `<`, kept in `std::map` and
-/// `std::unordered_map`, and written to a stream. These trace nothing, and go by the address bytes;
-/// a stream gets the text.
+/// Two values of one family can also be compared by `==` and `<`, kept in `std::map` and
+/// `std::unordered_map`, and written to a stream. These operations use the address bytes, except
+/// for the stream, which gets the text, and trace nothing.
 ///
 /// Thread contract: values; distinct objects are independent, and several threads may read one.
 class KESTA_API KestaIPAddress
@@ -36,8 +36,8 @@ public:
     KestaIPAddress& operator=(const KestaIPAddress& other) = default;
     virtual ~KestaIPAddress();
 
-    /// True when this address is below the other or equal to it. An operator changes neither, nor
-    /// may one that a subclass puts in its place: it is called for constant addresses, too.
+    /// True when this address is below the other or equal to it. Neither is changed, and an
+    /// override must not change them either: it is called for const addresses, too.
     virtual bool operator<=(KestaIPAddress* pAddress) = 0;
     /// True when this address is above the other or equal to it.
     virtual bool operator>=(KestaIPAddress* pAddress) = 0;
@@ -63,7 +63,7 @@ public:
     /// A copy of the socket address.
     sockaddr_storage getSockAddress() const { return m_binIPAddress; }
 
-    /// The socket address where it stands, as long as this object does.
+    /// The socket address itself, valid as long as this object.
     const sockaddr_storage& viewSockAddress() const { return m_binIPAddress; }
 
     /// Replaces the socket address; the text stays as it is.
@@ -90,17 +90,17 @@ private:
         return const_cast<KestaIPAddress*>(pAddress);
     }
 
-    KESTA_LOCAL void takeOver(KestaIPAddress& other) noexcept;   // which keeps its socket address
+    KESTA_LOCAL void takeOver(KestaIPAddress& other) noexcept;   // other keeps its socket address
 };
 
-/// A value as the operators below take it, so that they yield to every operator of the host's own:
-/// one that takes the value, or its base class, is the better match; and they are templates.
+/// How the operators for addresses and ranges take a value. The conversion makes them a worse match
+/// than any operator of the host's own that takes the value or its base class.
 template <class TValue>
 struct KestaOperand
 {
     KestaOperand(const TValue& operand) : value(operand) {}   ///< Implicit.
 
-    const TValue& value;   ///< Valid as long as the operator is at work.
+    const TValue& value;   ///< Valid while the operator runs.
 };
 
 /// Writes the text of an address.

@@ -21,17 +21,17 @@
 ///     2001:db8:1*       the IPv6 block whose prefix is the digits before the star: 2001:db8:1000::
 ///                       to 2001:db8:1fff:ffff:...; "*" alone is all of IPv6
 ///
-/// There is no form with a dash, and no IPv4 prefix. Every range but one of a trailing IPv6 "*" is
-/// screened against the exclusion flags of the address classes; the screening always refuses
-/// 0.0.0.0 and ::, so "*.*.*.*" and "::/0" are refused.
+/// There is no form with a dash, and no IPv4 prefix. Every range except an IPv6 one with "*" is
+/// screened against the exclusion flags of the address classes. The screening always refuses
+/// 0.0.0.0, :: and IPv4-compatible addresses, so "*.*.*.*" and "::/0" throw.
 ///
-/// The range holds its two addresses. It can be moved, and not copied.
+/// The range holds its two addresses. It can be moved, but not copied.
 ///
-/// Thread contract: does not change once it is made; any number of threads may ask one range.
+/// Thread contract: any number of threads may use one range, as long as nobody moves it.
 class KESTA_API KestaIPRange
 {
 public:
-    /// The library's own codes of the families, not those of the sockets.
+    /// The library's own family codes, which are not those of the socket interface.
     static constexpr int KESTA_IPV6_FAMILY = 6;
     static constexpr int KESTA_IPV4_FAMILY = 4;   ///< The code of IPv4.
 
@@ -74,8 +74,8 @@ public:
     /// compared: ask for like with like. False for a null pointer.
     bool isMember(const KestaIPAddress* address) const;
 
-    /// A text is no address: it would become a range, and be asked the symmetric question above.
-    /// Make an address value of it.
+    /// Deleted: a text would become a range, and the question the symmetric one above. Make an
+    /// address or a range of the text.
     template <class TText,
               std::enable_if_t<std::is_convertible_v<const TText&, std::string_view> &&
                                    !std::is_convertible_v<const TText&, const KestaIPAddress*> &&
@@ -149,9 +149,9 @@ private:
     int iFamilyType = 0;
 };
 
-// Membership is what hosts ask for most, and nearly always with tracing off. So with nothing to
-// trace the bytes of the family are compared in place; the operators, which trace each comparison,
-// are for the rest.
+// Hosts ask for membership more than for anything else, nearly always with tracing off. So as long
+// as there is nothing to trace, the address bytes are compared here, inline; otherwise by the
+// operators, which trace each comparison.
 inline bool KestaIPRange::isMember(const KestaIPAddress* address) const
 {
     if (CKestaDebug::isTraced(KestaIPAddress::KESTA_TRACE_LEVEL) || iFamilyType == 0 ||

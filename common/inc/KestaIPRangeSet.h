@@ -10,7 +10,7 @@
 
 #include <netinet/in.h>
 
-/// Many ranges at once: tells which of them holds an address, in the time of a few comparisons.
+/// Many ranges at once: finds the first that holds an address, in the time of a few comparisons.
 ///
 ///     KestaIPRangeSet rules;
 ///     rules.add(KestaIPRange("10.1.2.*"));    // rule 0
@@ -19,15 +19,15 @@
 ///     KestaIPv4Address peer("10.1.2.3");
 ///     rules.indexOf(&peer);                   // 0: the first rule that matches
 ///
-/// The answer is that of asking each range of the address's own family in turn. Ranges are copied
-/// out as numbers: they need not outlive `add`. A set can be moved, and not copied; one that was
-/// moved from may only be assigned to or destroyed.
+/// The answer is that of asking each range of the address's own family in turn. Ranges are stored
+/// as numbers: they need not outlive `add`. A set can be moved, but not copied; one that was moved
+/// from may only be assigned to or destroyed.
 ///
-/// Thread contract: any number of threads may ask one set, while nobody adds, builds or assigns.
-/// Asking neither allocates nor traces.
+/// Thread contract: any number of threads may ask one set, as long as nobody adds, builds or
+/// assigns. Asking neither allocates nor traces.
 ///
-/// Throws: `CKestaExc` when it is asked before it is built; `std::bad_alloc` from `add`, which
-/// leaves the set as it was then, and from `build`, which leaves it to be built again.
+/// Throws: `CKestaExc` when the set is asked before it is built; `std::bad_alloc` from `add`, which
+/// then leaves the set as it was, and from `build`, after which the set must be built again.
 class KESTA_API KestaIPRangeSet
 {
 public:
@@ -38,8 +38,8 @@ public:
     KestaIPRangeSet& operator=(KestaIPRangeSet&& other) noexcept;
     ~KestaIPRangeSet();
 
-    /// Adds a range and returns its index: 0 for the first, and so on. The set must be built again
-    /// then. It holds up to 1073741823 ranges; one more throws `std::length_error`.
+    /// Adds a range and returns its index: 0 for the first, and so on. Afterwards the set must be
+    /// built again. It holds up to 1073741823 ranges; one more throws `std::length_error`.
     std::size_t add(const KestaIPRange& range);
 
     /// Makes the set ready to be asked. This takes about as long as sorting the ranges: add them

@@ -31,17 +31,17 @@
 class KESTA_API KestaIPUtilities
 {
 public:
-    /// The start of a series of queries. Always 0: there is nothing to start on this platform.
+    /// Starts a series of queries. Always 0: there is nothing to start on this platform.
     static int StartWSA();
 
-    /// The end of a series of queries.
+    /// Ends a series of queries.
     static void EndWSA();
 
     /// Puts the host name, NUL-terminated, into a buffer of at least 1024 bytes. Returns what
     /// `gethostname` returns.
     static int queryHostName(char* name);
 
-    /// Puts the name of the operating system into `osName`; left as it was on failure.
+    /// Puts the name of the operating system into `osName`, which a failure leaves as it was.
     static int setOSName(CKestaString& osName);
 
     /// Appends the addresses of this host's interfaces to the lists, in the system's order; mind
@@ -86,17 +86,16 @@ public:
     /// True when the address is the first of its block: all bits after the first `prefixLength`
     /// are 0. A length below 0 counts as 0, one above 128 as 128.
     ///
-    /// Intended: `*sa` is changed; afterwards it holds the part after the prefix alone, the bits
-    /// of the prefix cleared. False for a null pointer.
+    /// Intended: `*sa` is changed; the bits of the prefix are cleared. False for a null pointer.
     static bool ValidateIPv6StartAddress(sockaddr_in6* sa, int prefixLength);
 
-    /// Makes the last address of the block that `start` begins, all bits after the first
-    /// `prefixLength` set, as a new `KestaIPv6Address` that belongs to the caller, who deletes it.
-    /// A length below 0 counts as 0, one above 128 as 128. With a null pointer nothing is made,
-    /// and `*end` is left as it was.
+    /// Makes the last address of the block that starts at `start`: all bits after the first
+    /// `prefixLength` are set. It is a new `KestaIPv6Address` that the caller owns and deletes. A
+    /// length below 0 counts as 0, one above 128 as 128. If `start` is null nothing is made, and
+    /// `*end` is left as it was.
     ///
-    /// Throws: `CKestaExc`, "Unknown Exception" for any exception that is not one; `*end` is left
-    /// as it was then, too.
+    /// Throws: `CKestaExc`, "Unknown Exception" in place of any other exception; `*end` is then
+    /// left as it was, too.
     static void InitialiseIPv6EndAddress(const sockaddr_in6* start, KestaIPAddress** end,
                                          int prefixLength);
 };

@@ -67,9 +67,9 @@ public:
 private:
     friend class KestaIPRange;
 
-    KESTA_LOCAL KestaIPv4Address();   // to be read
+    KESTA_LOCAL KestaIPv4Address();   // for a `read` that follows
 
-    // Each reads a text; the second, a pattern of so many stars with a text in place of each.
+    // Each reads a text; the second one a pattern, each of its stars replaced by a text.
     KESTA_LOCAL void read(std::string_view address);
     KESTA_LOCAL void read(const CKestaString& strPattern, std::size_t ulStars,
                           std::string_view star);
@@ -92,7 +92,7 @@ bool operator<(KestaOperand<KestaIPv4Address> left, KestaOperand<KestaIPv4Addres
            KestaAddressNumber::in<KestaIPv4Number>(right.value.viewSockAddress());
 }
 
-/// Goes by the address bytes, as `==` does.
+/// Hashes the address bytes, which `==` compares.
 template <>
 struct std::hash<KestaIPv4Address>
 {

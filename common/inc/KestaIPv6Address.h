@@ -58,13 +58,13 @@ private:
     friend class KestaIPRange;
     friend class KestaIPUtilities;
 
-    KESTA_LOCAL KestaIPv6Address();   // to be read, or set
+    KESTA_LOCAL KestaIPv6Address();   // for a `read` or `setBlockEnd` that follows
 
     KESTA_LOCAL void read(std::string_view address);
     KESTA_LOCAL void read();
 
-    // Becomes the last address of the block that an address begins, as the two prefix operations
-    // trace it.
+    // Makes this the last address of the block that starts there, and traces what the prefix
+    // operations trace.
     KESTA_LOCAL void setBlockEnd(const in6_addr& start, int iPrefixLength);
 };
 
@@ -84,7 +84,7 @@ bool operator<(KestaOperand<KestaIPv6Address> left, KestaOperand<KestaIPv6Addres
            KestaAddressNumber::in<KestaIPv6Number>(right.value.viewSockAddress());
 }
 
-/// Goes by the address bytes, as `==` does.
+/// Hashes the address bytes, which `==` compares.
 template <>
 struct std::hash<KestaIPv6Address>
 {

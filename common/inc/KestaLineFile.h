@@ -9,13 +9,13 @@
 
 /// A file that is written a line at a time: the bytes under the trace log.
 ///
-/// A line is one write of the system, without a buffer between: what was written is in the file
-/// when the call returns, and survives the death of the process. The object owns its descriptor,
-/// which programs that the host executes do not inherit, and which is never that of standard input,
-/// output or error.
+/// A line is one unbuffered `write`, so it is in the file when the call returns and survives the
+/// death of the process. The object owns its descriptor, which programs that the host executes do
+/// not inherit. The file does not stay on a descriptor below 3: where the host has closed standard
+/// input, output or error, opening takes its number for a moment, and moves on to another.
 ///
-/// When the disk is full, or a terminal takes no more, what can't be written of a line is given up
-/// and never comes later; the next line that finds room starts on a line of its own.
+/// When the disk is full, or a terminal takes no more, the rest of a line is given up and never
+/// written later; the next line that finds room starts on a line of its own.
 ///
 /// Thread contract: one thread at a time. Several objects and processes may append to one file;
 /// each line stays whole.
@@ -32,11 +32,11 @@ public:
     CKestaLineFile& operator=(const CKestaLineFile&) = delete;
 
     /// Opens a file with a mode of `fopen`; a file that is open already is closed first. Opening
-    /// never waits: what is neither a regular file nor a character device, such as a pipe, counts
-    /// as a file that can't be opened.
+    /// never waits: anything but a regular file or a character device, such as a pipe, counts as a
+    /// file that can't be opened.
     ///
-    /// Throws: `CKestaExc` 1008 with the path, when the file can't be opened; the object is closed
-    /// then.
+    /// Throws: `CKestaExc` 1008 with the path when the file can't be opened; the object is then
+    /// closed.
     void open(const CKestaString& strPath, const CKestaString& strMode, bool bEnciphered);
 
     /// True between a successful `open` and `close`.
@@ -45,17 +45,16 @@ public:
     /// Closes the file, if it is open.
     void close();
 
-    /// Closes the file; before that, what stands at `strPath`, where it was opened, is renamed to
-    /// `strNewPath` if it is larger than so many bytes. Of several processes that have the file
-    /// open, one renames it, and none the file that has taken its place. That it can't be renamed
-    /// is no error.
+    /// Closes the file. Before that, the file at `strPath`, where it was opened, is renamed to
+    /// `strNewPath` if it is larger than `lLimit` bytes. Of several processes that have the file
+    /// open, one renames it, and none renames the file that has taken its place. A rename that
+    /// fails is not an error.
     void rollOver(const CKestaString& strPath, const CKestaString& strNewPath, long lLimit);
 
-    /// Writes a line, which carries its own newline: as it stands, or, in a file opened as
-    /// enciphered, as the host's cipher gives it (as it stands without one), followed by the bytes
-    /// 00 0A. The bytes FE FF precede the first line that goes out at file position 0; the position
-    /// of a file opened to append counts from 0 at every open, so they also stand amid a log that
-    /// was opened again.
+    /// Writes a line, which carries its own newline. In a file opened as enciphered, the host's
+    /// cipher, if any, is applied, and the bytes 00 0A follow; the bytes FE FF precede the first
+    /// line written at file position 0. The position of a file opened to append counts from 0 at
+    /// every open, so these bytes also stand in the middle of a log that was opened again.
     ///
     /// Returns false when not all of it could be written, or the file is not open.
     bool writeLine(std::string strLine);
@@ -72,7 +71,7 @@ private:
     int m_iFile = -1;   // none
     bool m_bEnciphered = false;
     bool m_bAtStart = false;   // nothing was written since the file was opened
-    bool m_bLimited = false;   // before the first line, the process had a file-size limit
+    bool m_bLimited = false;   // the process had a file-size limit before the first line
     bool m_bTorn = false;      // the last line was not written whole; outlives closing
 };
 

@@ -12,7 +12,8 @@
 #include <type_traits>
 #include <utility>
 
-/// `std::cout`, for `CKestaMap::dump`: `<iostream>` would make every user of the header set it up.
+/// `std::cout`, for `CKestaMap::dump`: including `<iostream>` here would add its start-up code to
+/// every user of this header.
 KESTA_API std::ostream& kestaStandardOutput();
 
 /// An ordered map of unique keys with a cursor of its own.
@@ -104,8 +105,8 @@ public:
 
     /// The value of a key.
     ///
-    /// Throws: `CKestaExc`, "CKestaMap::get(). KEY=" and the key, when the key is missing. An `int`
-    /// key is shown as the one character whose code is its low byte, which is intended.
+    /// Throws: `CKestaExc`, "CKestaMap::get(). KEY=" and the key, when the key is missing.
+    /// Intended: an `int` key is shown as the character whose code is its low byte.
     V& get(const K& key) { return const_cast<V&>(std::as_const(*this).get(key)); }
 
     /// The same for a map that is only read.
@@ -120,7 +121,7 @@ public:
     /// Puts the cursor at the first entry.
     void resetIterator() { m_pIterator = m_stlMap.begin(); }
 
-    /// The value at the cursor, which moves on.
+    /// Returns the value at the cursor, and moves the cursor on.
     ///
     /// Throws: `CKestaExc_ArrayOutOfBound` at the end.
     V& getNext()
@@ -130,7 +131,7 @@ public:
         return value;
     }
 
-    /// Assigns the key and the value at the cursor, which moves on; it stays when an assignment
+    /// Assigns the key and the value at the cursor, and moves the cursor on, unless an assignment
     /// throws.
     ///
     /// Throws: `CKestaExc_ArrayOutOfBound` at the end; the arguments are left as they were.
@@ -142,8 +143,8 @@ public:
         ++m_pIterator;
     }
 
-    /// The first entry and the end, for reading: a pair of key and value each, in the order of the
-    /// keys. The cursor stays where it is.
+    /// The first entry and the end, for reading: pairs of key and value in the order of the keys.
+    /// The cursor stays where it is.
     auto begin() const { return m_stlMap.begin(); }
     auto end() const { return m_stlMap.end(); }
 

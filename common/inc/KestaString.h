@@ -18,8 +18,8 @@
 /// `std::string` operation), but a copy ends before the first of them: constructing, assigning and
 /// comparing look at the C-string form.
 ///
-/// Texts are values. A copy never carries tokeniser state, and there is no move: moving would have
-/// to leave the source as it is, as copying does.
+/// Texts are values. A copy never carries tokeniser state. There is no move, because it would have
+/// to leave the source unchanged, as a copy does.
 ///
 /// Thread contract: distinct objects are independent. One object may be read from several threads,
 /// but `getNextToken` moves the cursor even of a const object, so one object must not be tokenised
@@ -130,9 +130,9 @@ public:
 
     /// True when the two texts are the same up to their first NUL bytes.
     ///
-    /// With `std::string` and `std::string_view` it is the comparison of these, which takes NUL
-    /// bytes as any other; so are the orderings and, in C++17, `!=` and a literal on the left side.
-    /// Texts without NUL bytes can't tell the difference.
+    /// With `std::string` and `std::string_view` it is their own comparison, to which NUL bytes are
+    /// bytes like any other; so are the orderings and, in C++17, `!=` and a literal on the left
+    /// side. For texts without NUL bytes there is no difference.
     bool operator==(const CKestaString& strparam) const;
 
     /// The same for literals and pointers.
@@ -154,7 +154,7 @@ public:
     bool equals(CKestaString& strtocmp, bool bCase_Flag) const;
     bool equals(char* chartocmp, bool bCase_Flag) const;
 
-    /// The same for constants. Templates so that whatever fits the two above goes there.
+    /// The same for constants. Templates, so that the two above are preferred.
     template <class = void>
     bool equals(const CKestaString& strtocmp, bool bCase_Flag) const
     {
@@ -188,9 +188,9 @@ public:
     /// Puts the next token of the text into `result` and returns true, or leaves `result` as it is
     /// and returns false at the end.
     ///
-    /// A delimiter starts the walk from the beginning, an empty one goes on with the last that was
-    /// named. There is no empty token after a trailing delimiter, and a text that does not hold
-    /// the delimiter has no tokens at all:
+    /// A delimiter starts from the beginning of the text; an empty one continues with the delimiter
+    /// given last. There is no empty token after a trailing delimiter, and a text that does not
+    /// hold the delimiter has no tokens at all:
     ///
     ///     CKestaString strList("a,,b,"), strToken;
     ///     strList.getNextToken(strToken, ",");   // true, "a"
@@ -198,8 +198,8 @@ public:
     ///     strList.getNextToken(strToken, "");    // true, "b"
     ///     strList.getNextToken(strToken, "");    // false
     ///
-    /// The text may be changed between two calls: a cursor past the end of a text that was
-    /// shortened meanwhile ends the walk.
+    /// The text may be changed between two calls: if it is now shorter than the cursor's position,
+    /// there is no further token.
     bool getNextToken(CKestaString& result, std::string strd) const;
 
     /// The number that the text begins with, as `atoi` reads it; 0 when there is none.
@@ -208,13 +208,14 @@ public:
     /// The number that the text begins with, as `atof` reads it; 0.0 when there is none.
     double toDouble() const;
 
-    /// Takes the white space off both ends of this text, in place, and returns a copy of it.
+    /// Removes the white space at both ends of this text, in place, and returns a copy of the
+    /// result.
     ///
-    /// The text ends before its first NUL byte afterwards, and tokenising starts afresh; an empty
+    /// Afterwards the text ends before its first NUL byte, and tokenising starts afresh; an empty
     /// text is left alone, its tokeniser included.
     CKestaString trim();
 
-    /// Takes every white-space byte out of this text, in place, and returns a copy of it. NUL
+    /// Removes every white-space byte of this text, in place, and returns a copy of the result. NUL
     /// bytes, the tokeniser and an empty text are treated as by `trim`.
     CKestaString removeSpaces();
 
@@ -222,7 +223,7 @@ private:
     KESTA_LOCAL void renew(std::string_view text);
 
     mutable long m_itokpos = 0;      // where the next token is looked for
-    mutable std::string m_szdelim;   // the delimiter last named; empty: none yet
+    mutable std::string m_szdelim;   // the delimiter given last; empty: none yet
 };
 
 /// Texts that are equal have the same hash: the bytes from the first NUL byte on do not count.

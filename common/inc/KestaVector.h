@@ -30,7 +30,7 @@ public:
     /// The same for a vector that is only read.
     const T& operator[](int index) const { return v[static_cast<std::size_t>(index)]; }
 
-    /// The first item and the end, so that a range-based `for` goes through the vector.
+    /// The first item and the end, for a range-based `for`.
     auto begin() { return v.begin(); }
     auto end() { return v.end(); }
     auto begin() const { return v.begin(); }
@@ -39,13 +39,13 @@ public:
     /// Removes every item.
     void clear() { v.clear(); }
 
-    /// Removes items equal to `item`, but the one that moves into a removed item's place is not
-    /// looked at. Intended: of two equal neighbours only the first goes.
+    /// Removes items equal to `item`, but skips the one that moves into the place of a removed
+    /// item. Intended: of two equal neighbours only the first goes.
     ///
     ///     "x", "x", "y"   without "x":   "x", "y"
     ///     "a", "b", "a"   without "a":   "b"
     ///
-    /// `item` may be an item of this vector. When a comparison throws, what was found until then is
+    /// `item` may be an item of this vector. When a comparison throws, the items found so far are
     /// removed.
     void remove(const T& item)
     {
@@ -56,7 +56,7 @@ public:
         {
             for (; itScan != v.end(); ++itScan, ++itKept)
             {
-                if (*itScan == wanted && ++itScan == v.end())   // the next one stays, unseen
+                if (*itScan == wanted && ++itScan == v.end())   // the next one is skipped
                     break;
                 if (itKept != itScan)
                     *itKept = std::move(*itScan);
