@@ -33,7 +33,7 @@ CKestaImmortal<CSettings>& theSettings()
     return settings;
 }
 
-// When the library is unloaded, or the process ends, the settings hold no memory any more, but can
+// When the library is unloaded, or the process ends, the settings give their memory back. They can
 // still be used.
 [[gnu::destructor]] void giveMemoryBack()
 {
@@ -49,7 +49,7 @@ T copyOf(T CSettings::*pSetting)
     return theSettings().get().*pSetting;
 }
 
-/// What a reading has found; a setting that it has not found keeps its value.
+/// What a reading has found. A setting that was not found keeps its value.
 struct CFindings
 {
     std::optional<CKestaString> strInstalledDir;
@@ -94,8 +94,8 @@ void CFindings::take(const CKestaSetting& setting)
         strNewFile = strValue;
 }
 
-// All at once, and without allocating: whoever reads meanwhile gets values of one file only, and a
-// reading that has run out of memory has changed nothing.
+// All at once, and without allocating: readers see the values of one file only, and a reading that
+// runs out of memory changes nothing.
 void CFindings::publish()
 {
     const auto takeText = [](CKestaString& strSetting, std::optional<CKestaString>& found)

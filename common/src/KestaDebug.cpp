@@ -22,7 +22,7 @@ constexpr int iNoTrace = 0;
 constexpr int iPlainText = 52813;   // the one level that leaves the log unenciphered
 constexpr int iLowestLevel = std::numeric_limits<int>::min();   // traced whenever the switch is on
 
-// Begins an entry with tracing. Without settings, those that were read last count when it begins.
+// Begins an entry with tracing. If `pSettings` is null, the settings read last are used.
 void beginTraced(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
                  const CKestaTraceSettings* pSettings)
 {
@@ -137,7 +137,7 @@ try
 }
 catch (const std::bad_alloc&)
 {
-    // A line that memory has no room for is lost, as one that the disk has no room for.
+    // A line for which there is no memory is lost, like one for which there is no disk space.
 }
 
 void CKestaDebug::logText(std::string_view itemType, std::string_view source,

@@ -13,20 +13,20 @@ namespace
 
 pthread_mutex_t hEntriesLock = PTHREAD_MUTEX_INITIALIZER;
 
-// The entries that this thread has begun and not ended. Its address tells threads apart. Of this
-// model, because others would need memory at the first use in a thread.
+// The entries that this thread has begun and not ended. Its address identifies the thread. Other
+// TLS models would allocate memory at the first use in a thread.
 [[gnu::tls_model("initial-exec")]] thread_local int iOwnEntries = 0;
 
 int* pOwner = nullptr;     // the thread whose entry is in progress
 bool bInherited = false;   // it was begun before this process was forked: the log is the parent's
-unsigned long ulReleases = 0;   // of ghMutex, by the library
+unsigned long ulReleases = 0;   // how often the library has released ghMutex
 
 pthread_key_t hThreadEnd;
 bool bThreadEndKnown = false;   // hThreadEnd is a key
-bool bOwnerWatched = false;     // and the end of the owner will be noticed
+bool bOwnerWatched = false;     // the end of the owner's thread will be noticed
 
-// Intended: ghMutex is released even if no entry took it. It is taken first where it is free,
-// because releasing a mutex that nobody holds is undefined.
+// Intended: ghMutex is released even if no entry took it. If it is free, it is taken first, because
+// releasing a mutex that nobody holds is undefined.
 void release()
 {
     pOwner = nullptr;
@@ -45,8 +45,8 @@ void endInProgress()
     release();
 }
 
-// Waits for ghMutex, without the lock, until it is taken. From time to time it looks whether the
-// thread is to be cancelled, which waiting for a mutex does not.
+// Waits for ghMutex, without the lock, and takes it. Waiting for a mutex is not a cancellation
+// point, so every now and then it looks whether the thread is to be cancelled.
 void waitForMutex()
 {
     struct timespec until;
@@ -72,9 +72,9 @@ public:
     CUnlocked& operator=(const CUnlocked&) = delete;
 };
 
-// Takes ghMutex for an entry. A thread that had to wait for it holds it for a moment in which that
-// is not noted yet, and in which a thread that ends an entry without tracing, or that is in none,
-// releases it.
+// Takes ghMutex for an entry. A thread that had to wait for the mutex holds it for a moment before
+// that can be noted here. In this moment a thread that ends an entry without tracing, or that is in
+// no entry, may release it.
 void takeMutex()
 {
     if (pthread_mutex_trylock(&ghMutex) == 0)
@@ -90,15 +90,15 @@ void takeMutex()
             return;   // nobody can have released it
         if (pOwner == nullptr)
         {
-            // In case that it was released: it is taken now.
+            // Takes it now, if it was released.
             static_cast<void>(pthread_mutex_trylock(&ghMutex));
             return;
         }
-        // It was released, and is another thread's by now.
+        // It was released, and another thread has taken it since.
     }
 }
 
-// A thread that ends amid its entry, cancelled for instance, must not leave the others waiting.
+// A thread that ends within its entry, cancelled for instance, must not leave the others waiting.
 void endWithThread(void* pThread)
 {
     const CKestaNoCancellation noCancellation;
@@ -178,7 +178,7 @@ void CKestaEntries::end()
     if (iOwnEntries > 0)
         --iOwnEntries;
     else if (pOwner != nullptr && bOwnerWatched && *pOwner > 0)
-        --*pOwner;   // the thread that made the entry has it no more
+        --*pOwner;   // the thread that made the entry no longer has it
     if (!bOthers)
         endInProgress();
 }

@@ -3,12 +3,12 @@
 
 #include <pthread.h>
 
-/// Whose entry is in progress.
+/// Knows whose entry is in progress.
 ///
 /// Entries with tracing come one after the other, and `ghMutex` is held from the start of each to
-/// its end. A host may also take and release `ghMutex` by itself, so it does not tell whose entry
-/// it is held for; that is noted here, under a lock that is held for moments only and guards the
-/// trace log as well.
+/// its end. A host may also take and release `ghMutex` by itself, so the mutex does not show whose
+/// entry it is held for. That is noted here, under a lock that is held for moments only and guards
+/// the trace log as well.
 ///
 /// Thread contract: the caller holds `mutex()`.
 class CKestaEntries
@@ -24,13 +24,14 @@ public:
     /// lock, and takes it. A thread that is cancelled while it waits has begun nothing.
     static void begin();
 
-    /// Ends an entry of this thread, which is all it does while the entry in progress is another
-    /// thread's. A thread that is in no entry ends the entry in progress, whosever it is. If there
-    /// is none, `ghMutex` is released all the same.
+    /// Ends an entry of this thread. While the entry in progress is another thread's, it does
+    /// nothing else. A thread that is in no entry ends the entry in progress, whoever made it. If
+    /// there is none, `ghMutex` is released all the same.
     static void end();
 
-    /// True when the log must be left alone: it is another thread's, and this thread is in an entry
-    /// of its own, without tracing. A thread in no entry at all may use the log.
+    /// True when this thread must leave the log alone: the log belongs to another thread's entry,
+    /// and this thread is in an entry of its own, without tracing. A thread that is in no entry at
+    /// all may use the log.
     static bool isLogOfOthers();
 };
 

@@ -6,8 +6,8 @@
 namespace
 {
 
-// The texts stand in fields of fixed width, not behind pointers: so the whole table is constant
-// data that the loader need not touch.
+// Fields of fixed width instead of pointers: so the whole table is read-only data that the loader
+// need not relocate.
 struct CCatalogueRecord
 {
     long lNumber;
@@ -50,7 +50,7 @@ CKestaExc::CKestaExc(long lNumber, CKestaString strSource, CKestaString strMessa
 
 CKestaExc::CKestaExc(const CKestaExc& refException) : m_lErrorNumber(-9999)
 {
-    if (this != &refException)   // a copy of itself holds nothing
+    if (this != &refException)   // `CKestaExc e(e)` has no texts
         *this = refException;
 }
 
@@ -119,7 +119,7 @@ CKestaExc_FileNotFound::~CKestaExc_FileNotFound() = default;
 
 std::ostream& operator<<(std::ostream& os, CKestaExc& refException)
 {
-    // The number goes out as text: in decimal, whatever base the stream is set to.
+    // The number is written as a text, so in decimal, whatever base the stream is set to.
     return os << CKestaString(refException.GetErrorNumber()) << ';' << refException.GetErrorSource()
               << ';' << refException.GetErrorMessage() << std::endl;
 }

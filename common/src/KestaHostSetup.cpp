@@ -34,7 +34,7 @@ constexpr CParameter parameters[] = {
 };
 constexpr int iParameters = 2;
 
-// What the host has set; plain buffers, so that nothing is left to do when the library is loaded.
+// What the host has set. Plain buffers need no initialisation when the library is loaded.
 struct CHostValue
 {
     bool bSet;
@@ -72,8 +72,8 @@ CKestaString CKestaHostSetup::getParameter(int iNumber)
             return hostValues[iNumber - 1].szText;
     }
 
-    // secure_getenv answers nothing in a process with raised privileges: whoever starts such a
-    // process must not choose where it reads its configuration and writes its log.
+    // secure_getenv returns null in a process with raised privileges: whoever starts such a process
+    // must not choose where it reads its configuration and writes its log.
     const CParameter& parameter = parameters[iNumber - 1];
     const char* pszEnvironment = secure_getenv(parameter.szEnvironment);
     if (pszEnvironment != nullptr && *pszEnvironment != '\0' &&

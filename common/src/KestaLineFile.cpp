@@ -29,7 +29,7 @@ bool holds(const CKestaString& strMode, char c)
     return strMode.find(c) != CKestaString::npos;
 }
 
-/// What a mode of `fopen` means to the system; -1 for none.
+/// The flags of `open` for a mode of `fopen`; -1 for a text that is not a mode.
 int openFlags(const CKestaString& strMode)
 {
     const int iAccess = holds(strMode, '+') ? O_RDWR : holds(strMode, 'r') ? O_RDONLY : O_WRONLY;
@@ -47,18 +47,19 @@ int openFlags(const CKestaString& strMode)
     }
 }
 
-/// Opens a regular file or a character device; -1 when that fails. Neither this nor a write ever
+/// Opens a regular file or a character device; -1 when that fails. Neither opening nor writing ever
 /// waits: a terminal whose output is stopped loses lines, as a full disk does.
 int openFile(const char* pszPath, int iFlags)
 {
     if (iFlags == -1)
         return -1;
     // A program that the host executes must not inherit the file, and a terminal must not become
-    // the host's.
+    // the host's controlling terminal.
     int iFile = open(pszPath, iFlags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
     if (iFile >= 0 && iFile <= STDERR_FILENO)
     {
-        // The host has closed a standard file; what it prints all the same must not land here.
+        // The host has closed a standard file, and what it still prints must not land here. Between
+        // the two calls it can: no flag of open asks for a number above 2.
         const int iLow = iFile;
         iFile = fcntl(iLow, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
         close(iLow);
@@ -76,7 +77,7 @@ bool isSameFile(const struct stat& left, const struct stat& right)
     return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }
 
-/// True also for a file that could not be opened.
+/// Also true for a file that could not be opened.
 bool isStillAt(int iFile, const CKestaString& strPath)
 {
     struct stat own;
@@ -112,7 +113,7 @@ public:
     ~CFileSizeSignalBlock()
     {
         const struct timespec now = {};
-        sigtimedwait(&m_signal, nullptr, &now);   // takes the signal, if the write raised it
+        sigtimedwait(&m_signal, nullptr, &now);   // removes the signal, if the write raised it
         pthread_sigmask(SIG_SETMASK, &m_maskBefore, nullptr);
     }
 
@@ -141,7 +142,7 @@ void CKestaLineFile::open(const CKestaString& strPath, const CKestaString& strMo
     if (m_iFile < 0)
         throw CKestaExc(1008, "Kesta_Fernhold", strPath);
     if ((iFlags & (O_APPEND | O_RDWR)) == O_APPEND)
-        lseek(m_iFile, 0, SEEK_END);   // where the position counts from, unless reading is allowed
+        lseek(m_iFile, 0, SEEK_END);   // "a" starts at the end, "a+" at 0, as with fopen
     m_bEnciphered = bEnciphered;
     m_bAtStart = true;
 }
@@ -168,8 +169,8 @@ void CKestaLineFile::rollOver(const CKestaString& strPath, const CKestaString& s
     close();
 }
 
-// The lock is that of the file to be renamed, which need not be this one. It is not waited for: who
-// holds it is rolling that very file over.
+// The lock is on the file to be renamed, which need not be this one. There is no need to wait for
+// it: the process that holds it is rolling over that very file.
 void CKestaLineFile::renameLocked(const CKestaString& strPath, const CKestaString& strNewPath,
                                   long lLimit) const
 {
@@ -182,9 +183,8 @@ void CKestaLineFile::renameLocked(const CKestaString& strPath, const CKestaStrin
         ::close(iFound);
 }
 
-// Another process may have been first: then the file at the path has not grown yet, and renaming it
-// would destroy the full log that this file has become. A file that somebody else has put there is
-// taken for the log.
+// True when another process was first: this file is the old log now, and renaming the file at the
+// path would destroy it. A file that somebody else has put at the path is taken for the log.
 bool CKestaLineFile::isRolledOver(const CKestaString& strPath, const CKestaString& strNewPath) const
 {
     struct stat own;
@@ -202,7 +202,7 @@ bool CKestaLineFile::writeLine(std::string strLine)
     const std::string_view lineEnd = m_bEnciphered ? frameEnd : plainEnd;
     if (m_bTorn && !endsWith(lineEnd))
         strLine.insert(0, lineEnd);
-    // Asked once, before the first line, so that a line is one system call where there is no limit.
+    // Looked up once, before the first line, so that without a limit a line is one system call.
     if (m_bAtStart)
         m_bLimited = hasFileSizeLimit();
     if (!m_bLimited)
@@ -221,12 +221,12 @@ bool CKestaLineFile::encipher(std::string& strLine) const
         }
         catch (...)
         {
-            return false;   // the host's cipher failed: the line is lost, the caller is not
+            return false;   // the host's cipher failed: the line is lost, and the caller goes on
         }
     }
     strLine += frameEnd;
-    // A file opened to append counts its position from 0 at every open, whatever it holds: the
-    // marks stand amid a log that was opened again, too.
+    // The position of a file opened to append counts from 0 at every open, whatever the file holds:
+    // the mark also stands in the middle of a log that was opened again.
     if (m_bAtStart && lseek(m_iFile, 0, SEEK_CUR) == 0)
         strLine.insert(0, frameStart);
     return true;
@@ -234,7 +234,7 @@ bool CKestaLineFile::encipher(std::string& strLine) const
 
 bool CKestaLineFile::write(const std::string& strBytes)
 {
-    // Without a buffer: what a full disk refuses must not wait there and come out later.
+    // Unbuffered: what does not fit on a full disk must not be written later.
     const ssize_t lWritten = ::write(m_iFile, strBytes.data(), strBytes.size());
     const bool bWhole = lWritten == static_cast<ssize_t>(strBytes.size());
     if (lWritten > 0)
@@ -245,7 +245,7 @@ bool CKestaLineFile::write(const std::string& strBytes)
     return bWhole;
 }
 
-// An empty file, and one that can't be looked at, count as ending with a whole line.
+// An empty file, and one that can't be read, count as ending with a whole line.
 bool CKestaLineFile::endsWith(std::string_view lineEnd) const
 {
     struct stat status;

@@ -6,8 +6,8 @@
 
 #include <pthread.h>
 
-// What keeps process-wide state whole: among threads, under cancellation, and to the very end of
-// the process.
+// What keeps process-wide state consistent: between threads, under cancellation, and to the very
+// end of the process.
 
 /// Holds a mutex while it lives.
 class CKestaLock
@@ -24,8 +24,8 @@ private:
     pthread_mutex_t& m_hMutex;
 };
 
-/// While it lives, the thread is not cancelled: what has been begun, such as closing a file in a
-/// destructor, is completed. A request that comes meanwhile waits.
+/// While it lives, the thread is not cancelled: what has begun, such as closing a file in a
+/// destructor, is completed. A request made meanwhile stays pending.
 class CKestaNoCancellation
 {
 public:
@@ -53,7 +53,7 @@ public:
 
     T& get() { return *std::launder(reinterpret_cast<T*>(&m_storage)); }
 
-    /// Back to the initial value; nothing is held on the heap for it.
+    /// Restores the initial value, which holds no memory on the heap.
     void renew()
     {
         get().~T();
@@ -64,8 +64,8 @@ private:
     alignas(T) unsigned char m_storage[sizeof(T)];
 };
 
-/// Guards the host set-up and the configuration. Held to copy values in or out only: no call of the
-/// host, of the file system or of anything else that waits is made under it.
+/// Guards the host set-up and the configuration. It is held only while values are copied in or out:
+/// under it nothing calls the host, the file system or anything else that waits.
 extern pthread_mutex_t hKestaSettingsMutex;
 
 #endif

@@ -68,7 +68,7 @@ bool CKestaSettingsReader::next(CKestaSetting& setting)
     return false;
 }
 
-// A piece ends after a newline, or when it is as long as a piece may be.
+// A piece ends after a newline, or at the greatest length that a piece may have.
 bool CKestaSettingsReader::nextPiece(std::string_view& piece, CKestaSetting& setting)
 {
     fill();
@@ -89,7 +89,7 @@ bool CKestaSettingsReader::nextPiece(std::string_view& piece, CKestaSetting& set
     return true;
 }
 
-// Afterwards a whole piece is in the block, or all that is left of the file.
+// Afterwards the block holds a whole piece, or all that is left of the file.
 void CKestaSettingsReader::fill()
 {
     if (m_ulEnd - m_ulBegin >= ulLongestPiece || m_bAtEnd)

@@ -8,9 +8,9 @@
 /// The file that `initialize()` reads, in conf/ below the installation directory.
 constexpr char szKestaConfigurationFile[] = "KestaDebug.ini";
 
-/// A line split at "=", as a tokeniser would: the key is what stands before the first, the value
-/// what stands between it and the second or the end. A value is there only when something follows
-/// the first "=". Both are trimmed.
+/// A line split at "=", as a tokeniser would: the key is what stands before the first "=", the
+/// value what stands between it and the second or the end. There is a value only if something
+/// follows the first "=". Both are trimmed.
 struct CKestaKeyValue
 {
     explicit CKestaKeyValue(std::string_view line);
@@ -25,20 +25,19 @@ struct CKestaSetting
 {
     unsigned long ulLine = 0;   // in the file, counted from 1
     bool bCut = false;          // the line is too long to be read as one
-    bool bTakenOver = false;    // the line ends with its first "=": the value is of an earlier line
+    bool bTakenOver = false;    // the line ends with its first "=": the value is an earlier line's
     std::string_view key;
     std::string_view value;
 };
 
 /// Reads the settings of a configuration file, in their order, without allocating anything.
 ///
-/// Shared by the library, which reads its settings with it, and by the command, which explains
-/// them.
+/// The library reads its settings with it, and the command explains them with it.
 class CKestaSettingsReader
 {
 public:
-    /// Opens a file, without ever waiting for it. What is no regular file holds no settings; a pipe
-    /// or socket counts as a file that can't be opened.
+    /// Opens a file without ever waiting. Anything but a regular file holds no settings; a pipe or
+    /// socket counts as a file that can't be opened.
     explicit CKestaSettingsReader(const char* pszPath);
     ~CKestaSettingsReader();
 
@@ -55,7 +54,7 @@ public:
     bool next(CKestaSetting& setting);
 
 private:
-    static constexpr std::size_t ulLongestPiece = 1023;   // a longer line is taken as several
+    static constexpr std::size_t ulLongestPiece = 1023;   // a longer line is read as several
 
     bool nextPiece(std::string_view& piece, CKestaSetting& setting);
     void fill();
@@ -66,7 +65,7 @@ private:
     bool m_bWithinLine = false;     // the last piece was not the end of its line
     bool m_bSectionFound = false;   // the header has been seen
     unsigned long m_ulLine = 0;     // the line of the last piece
-    std::size_t m_ulBegin = 0;      // of what is still to be looked at in the block
+    std::size_t m_ulBegin = 0;      // of the unread part of the block
     std::size_t m_ulEnd = 0;
     std::size_t m_ulValue = 0;        // the length of m_szValue
     char m_szValue[ulLongestPiece];   // outlives its line: a line that ends with "=" takes it over

@@ -18,7 +18,7 @@ char lowered(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// strcasecmp would go by the host's locale.
+// strcasecmp would use the host's locale.
 bool sameIgnoringCase(std::string_view left, std::string_view right)
 {
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
@@ -35,8 +35,8 @@ std::size_t findFrom(std::string_view text, std::string_view delimiter, std::siz
     return static_cast<std::size_t>(static_cast<const char*>(pFound) - text.data());
 }
 
-// The text of a number in the host's locale. The format is no literal at the call of snprintf
-// because compilers warn of "I", which asks for the locale's own digits.
+// The text of a number in the host's locale. The format is a parameter because compilers warn of
+// "I", which asks for the locale's own digits, in a literal.
 template <class TNumber>
 std::string formatted(const char* pszFormat, TNumber number)
 {
@@ -73,7 +73,7 @@ CStop stopFrom(const std::string& strText, const std::string& strDelimiter, std:
 {
     if (strDelimiter.size() == 1)
     {
-        // One look for both: mostly the delimiter stands before any NUL byte.
+        // One search for both: usually the delimiter comes before any NUL byte.
         const char cDelimiter = strDelimiter.front();
         const char* const pszStop = strchrnul(strText.c_str() + ulFrom, cDelimiter);
         const auto ulStop = static_cast<std::size_t>(pszStop - strText.c_str());
@@ -214,7 +214,7 @@ CKestaString CKestaString::removeSpaces()
     return *this;
 }
 
-// What assigning and delivering a text have in common. The text may be a piece of this one.
+// What assignment and the tokeniser's result have in common. The text may be a part of this one.
 void CKestaString::renew(std::string_view text)
 {
     assign(text);

@@ -106,7 +106,7 @@ bool CKestaTraceLog::isEnabled() const
     return m_strEnabled == "Y" || m_strEnabled == "y";
 }
 
-// By swapping, because no memory is to be left behind when the library is unloaded.
+// Swapping frees the memory of the texts: none may be left behind when the library is unloaded.
 void CKestaTraceLog::reset()
 {
     CKestaString().swap(m_strEnabled);

@@ -7,21 +7,21 @@
 
 #include <string>
 
-/// Where the log of an entry is, and where it goes when it has grown too large.
+/// The paths of an entry's log, before and after it is rolled over.
 struct CKestaLogFiles
 {
     CKestaString strLog;
     CKestaString strOldLog;
 };
 
-/// The files for a configured directory; the empty one stands for "log/" below the data directory,
-/// whatever the configuration says of the old log.
+/// The files for the configured directories. If `strFilePath` is empty, both are in "log/" below
+/// the data directory, whatever `strNewFile` is.
 CKestaLogFiles logFiles(const CKestaString& strFilePath, const CKestaString& strNewFile);
 
 /// The log of the entry in progress: its settings, and the open file.
 ///
-/// Thread contract: under the lock of `CKestaEntries` only. What it says of the level to be traced
-/// is published in `glKestaTracedLevel`, for every thread to read.
+/// Thread contract: the caller holds the lock of `CKestaEntries`. The level that is traced is
+/// published in `glKestaTracedLevel`, for every thread to read.
 class CKestaTraceLog
 {
 public:
@@ -31,10 +31,10 @@ public:
     /// True from a successful `setUp` to `end` or `abandon`.
     bool isSetUp() const { return m_bInitialized; }
 
-    /// Takes the settings over, and opens the log.
+    /// Applies the settings, and opens the log.
     ///
     /// Returns false when the log can't be opened: nothing is traced then. Throws:
-    /// `std::bad_alloc`; there is no log then, either.
+    /// `std::bad_alloc`; the log is then not set up, either.
     bool setUp(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
                const CKestaTraceSettings& settings);
 

@@ -16,8 +16,8 @@ struct CKestaTraceSettings
     int iDebugSize;
 };
 
-/// The size limit in bytes: decimal thousands, in 32-bit arithmetic that wraps. The command shows
-/// it, too.
+/// The size limit in bytes: `iDebugSize` times 1000, in 32-bit arithmetic that wraps. The command
+/// shows it, too.
 inline std::int32_t sizeLimit(int iDebugSize)
 {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(iDebugSize) * 1000u);
