@@ -74,7 +74,7 @@ bool endsAddress(const char* pszText)
     return *pszText == '\0' || *pszText == '%';
 }
 
-// Hands a text to the system, without its scope.
+// Has the system read a text, without its scope.
 template <class TRead>
 bool readBySystem(const char* pszText, TRead read)
 {
@@ -216,7 +216,7 @@ char* CKestaAddressCodec::writeIPv6(KestaIPv6Number number, char (&szText)[INET6
     for (int i = 0; i < iGroups; ++i)
         groups[i] = static_cast<unsigned int>(halves[i / 4] >> 16 * (3 - i % 4) & 0xFFFF);
 
-    // The first of the longest runs of zeros gives way to "::", if it is longer than one group.
+    // The first of the longest runs of zeros becomes "::", if it is longer than one group.
     int iZeros = iGroups;
     int iZeroGroups = 1;
     int iRun = 0;

@@ -10,12 +10,12 @@
 class CKestaAddressCodec
 {
 public:
-    /// Reads four decimal parts without leading zeros where they stand, whatever follows them.
-    /// Returns their end; or null for any other text, which may still be an address.
+    /// Reads four decimal parts without leading zeros at the start of a text, whatever follows.
+    /// Returns their end, or null for any other text, which may still be an address.
     static const char* scanIPv4(const char* pText, KestaIPv4Number& number);
 
-    /// The same for eight groups of one to four hexadecimal digits, some of which "::" may stand
-    /// for.
+    /// The same for eight groups of one to four hexadecimal digits; "::" may stand for some of
+    /// them.
     static const char* scanIPv6(const char* pText, KestaIPv6Number& number);
 
     /// Reads a whole text, up to its first "%", as `inet_aton` does.

@@ -54,7 +54,7 @@ inline int compareIPv6(KestaIPv6Number left, KestaIPv6Number right)
     return iResult;
 }
 
-/// Traces a text followed by an address, whose text is not even copied while tracing is off.
+/// Traces a text followed by an address. While tracing is off, the address's text is not copied.
 inline void traceAddress(const char* pszPrefix, const KestaIPAddress& address)
 {
     if (CKestaDebug::isTraced(iTraceLevel))
@@ -67,18 +67,19 @@ inline KestaIPv6Number hostBits(int iPrefixLength)
 {
     constexpr KestaIPv6Number allBits = ~KestaIPv6Number{0};
     if (iPrefixLength >= 128)
-        return 0;   // a shift by as many bits as there are is undefined
+        return 0;   // a shift by the full width is undefined
     return allBits >> std::max(iPrefixLength, 0);
 }
 
-/// Traces a text of all zeros or all ones as read. The lines are fixed; the reading is left out.
+/// Writes the lines that reading a text of all zeros or all ones would trace. They are fixed, but
+/// no such text is read.
 inline void traceFixedIPv6Text()
 {
     KESTA_DEBUG1("In KestaIPUtilities::convertIPv6StringToAddress()", iTraceLevel);
     KESTA_DEBUG1("Out KestaIPUtilities::convertIPv6StringToAddress()", iTraceLevel);
 }
 
-/// Replaces a text by an IPv6 address, traced as a conversion.
+/// Replaces a text by that of an IPv6 address, traced as a conversion.
 inline void writeIPv6(KestaIPv6Number number, std::string& strText)
 {
     KESTA_DEBUG1("In OKestaIPUtilities::convertIPv6AddressToString()", iTraceLevel);
@@ -87,7 +88,7 @@ inline void writeIPv6(KestaIPv6Number number, std::string& strText)
     KESTA_DEBUG1("Out KestaIPUtilities::convertIPv6AddressToString() ", iTraceLevel);
 }
 
-/// The error that a message makes with the text that it names at its end.
+/// An error whose message ends in the text that was refused.
 inline CKestaExc errorNaming(const char* pszMessage, const CKestaString& strText)
 {
     CKestaString strMessage(pszMessage);
@@ -95,9 +96,9 @@ inline CKestaExc errorNaming(const char* pszMessage, const CKestaString& strText
     return CKestaExc(strMessage);
 }
 
-/// Does a work of which callers see error objects only: any other exception is traced, and becomes
-/// an error object with a message of its own. An error object is no `std::exception`, so it passes
-/// by itself, and needs no second throw; so does the cancellation of the thread.
+/// Calls `work` so that callers see error objects only: any other exception is traced, and becomes
+/// an error object with the given message. Error objects are not `std::exception`s, so they pass
+/// without being thrown again; so does the cancellation of the thread.
 template <class TWork>
 void throwingErrorObjects(const char* pszTrace, const char* pszMessage, TWork work)
 {
@@ -112,8 +113,8 @@ void throwingErrorObjects(const char* pszTrace, const char* pszMessage, TWork wo
     }
 }
 
-/// The whole of `KestaIPUtilities::InitialiseIPv6EndAddress` but the address itself, which `make`
-/// makes where the caller wants it.
+/// Does everything that `KestaIPUtilities::InitialiseIPv6EndAddress` does, except that `make` makes
+/// the address, wherever the caller wants it.
 template <class TMake>
 void initialisingIPv6End(TMake make)
 {

@@ -28,7 +28,7 @@ KestaIPAddress::KestaIPAddress(const CKestaString& strAddress) : m_strIPAddress(
 
 KestaIPAddress::~KestaIPAddress() = default;
 
-// The texts are exchanged, which allocates nothing.
+// Swapping the texts allocates nothing.
 void KestaIPAddress::takeOver(KestaIPAddress& other) noexcept
 {
     m_strIPAddress.swap(other.m_strIPAddress);

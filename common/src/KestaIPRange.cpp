@@ -19,7 +19,7 @@ namespace
 
 constexpr std::size_t npos = CKestaString::npos;
 
-// Fixed texts; do not edit. No blank parts the error from the text that follows it.
+// Fixed texts; do not edit. There is no blank between the error and the text that follows it.
 constexpr char szNotAllowed[] = "This address as not allowed as per current IP filter settings!!!";
 constexpr char szNotAllowedTrace[] = "KestaIPRange::KestaIPRange(): This address as not allowed as "
                                      "per current IP filter settings!!!";
@@ -80,7 +80,8 @@ CKestaString mappedIPv4Part(const CKestaString& strRange)
 
 }   // namespace
 
-// The address is made first, and read in its place: what is thrown meanwhile finds an end to clear.
+// Makes an empty address, which is then read in place: if that throws, the destructor of the end
+// finds the address and destroys it.
 template <class TAddress>
 TAddress& KestaIPRange::CEnd::make()
 {
@@ -153,7 +154,7 @@ void KestaIPRange::build(CKestaString& strRange)
     if ((uMarkers & cDot) != 0)
     {
         if (bColon)
-            strRange = mappedIPv4Part(strRange);   // errors name this part alone from here on
+            strRange = mappedIPv4Part(strRange);   // from here on errors name this part only
         buildIPv4(strRange);
     }
     else if ((uMarkers & cStar) != 0)
@@ -240,7 +241,7 @@ void KestaIPRange::buildIPv6Prefix(const CKestaString& strRange)
     if (isUnallowedIPv6(*m_startAddress.get()))
     {
         KESTA_DEBUG1(szNotAllowedTrace, iTraceLevel);
-        throw CKestaExc(szNotAllowed);   // this form alone does not name the text, on purpose
+        throw CKestaExc(szNotAllowed);   // only this form does not name the text, on purpose
     }
 }
 

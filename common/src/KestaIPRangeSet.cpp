@@ -17,10 +17,10 @@ namespace
 
 constexpr std::uint32_t uNoRange = std::numeric_limits<std::uint32_t>::max();
 
-// In place of its first interval, a slot may name a part of its own. It is marked then.
+// A slot names its first interval or, marked by this bit, a part of its own.
 constexpr std::uint32_t uPartMark = 0x80000000;
 
-// Every range makes two intervals at most, whose number must leave the mark free.
+// A range makes at most two intervals, and their number must leave the mark free.
 constexpr std::size_t ulMostRanges = uPartMark / 2 - 1;
 
 template <class TNumber>
@@ -35,8 +35,8 @@ int bitsOf(TNumber number)
     return iBits;
 }
 
-/// The ranges of a family. Built, they are cut where one begins or ends, into intervals of which
-/// each belongs to one range, the first added of those that hold it, or to none.
+/// The ranges of a family. Building cuts them, wherever one begins or ends, into intervals. Each
+/// interval belongs to the first added of the ranges that hold it, or to none.
 template <class TNumber>
 class CIndex
 {
@@ -65,7 +65,7 @@ private:
         std::uint32_t uSlots;
     };
 
-    // From its start to the start of the next. Packed, so that a look finds both in one place.
+    // From its start to the start of the next. Packed, so that a lookup reads one place in memory.
     struct [[gnu::packed]] CInterval
     {
         TNumber start;
@@ -86,7 +86,7 @@ private:
 template <class TNumber>
 void CIndex<TNumber>::add(TNumber first, TNumber last, std::uint32_t uRange)
 {
-    if (first <= last)   // which the host can have changed
+    if (first <= last)   // the host may have changed the addresses
         m_added.push_back({first, last, uRange});
 }
 
@@ -100,7 +100,8 @@ void CIndex<TNumber>::build()
     m_slots.shrink_to_fit();
 }
 
-// Takes the intervals of an earlier build as added ranges. What an earlier range hid stays hidden.
+// Turns the intervals of an earlier build into added ranges again. What an earlier range hid stays
+// hidden.
 template <class TNumber>
 void CIndex<TNumber>::reopen()
 {
@@ -110,15 +111,15 @@ void CIndex<TNumber>::reopen()
         const bool bLast = u + 1 == m_intervals.size();
         if (m_intervals[u].uRange != uNoRange)
             add(m_intervals[u].start, bLast ? highest<TNumber> : m_intervals[u + 1].start - 1,
-                m_intervals[u].uRange);   // for which there is room now
+                m_intervals[u].uRange);   // does not allocate: there is room
     }
     m_intervals.clear();
     m_parts.clear();
     m_slots.clear();
 }
 
-// Walks over the numbers from the lowest on. Of the ranges that hold the present number, the first
-// added is on top of the heap; one below it that has ended stays there until it comes to the top.
+// Walks through the numbers in ascending order. Of the ranges that hold the current number, the
+// first added is on top of the heap; one further down that has ended stays until it gets to the top.
 template <class TNumber>
 void CIndex<TNumber>::cut()
 {
@@ -166,8 +167,8 @@ void CIndex<TNumber>::cut()
     std::vector<CAdded>().swap(m_added);
 }
 
-// A few intervals a slot, on average; a slot with many, where addresses stand close together, gets
-// a part of its own. So an interval is found in few steps, wherever the ranges are.
+// Gives each slot a few intervals on average; a slot with many, where ranges lie close together,
+// gets a part of its own. So an interval is found in few steps, wherever the ranges are.
 template <class TNumber>
 std::uint32_t CIndex<TNumber>::makePart(std::uint32_t uFirst, std::uint32_t uEnd)
 {

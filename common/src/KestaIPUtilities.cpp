@@ -22,8 +22,8 @@ constexpr int iSuccess = 0;
 constexpr int iFailure = -1;
 constexpr std::size_t ulHostNameSize = 1024;
 
-/// What the two families do not share: their types, conversions, classes and trace texts. The
-/// texts say queryHostIP although they are written two calls below it; they are fixed, as is their
+/// What differs between the two families: types, conversions, classes and trace texts. The texts
+/// say queryHostIP although they are written two calls below it; they are fixed, as is their
 /// spelling.
 struct CIPv4
 {
@@ -133,7 +133,7 @@ void addFiltered(CKestaArray<typename TFamily::CAddress>& out,
     KESTA_DEBUG1(TFamily::szFilterOut, iTraceLevel);
 }
 
-/// What a conversion reads of a text, which ends before its first "%".
+/// The part of a text that a conversion reads: up to the first "%".
 std::string_view withoutScope(const CKestaString& text)
 {
     return std::string_view(text.c_str(), std::strcspn(text.c_str(), "%"));
@@ -223,7 +223,7 @@ int KestaIPUtilities::getInterfaceAddresses(CKestaArray<KestaIPv4Address>& ipv4L
             addIPv6addressToArray(ipv6List, reinterpret_cast<sockaddr_in6*>(pEntry->ifa_addr));
             break;
         default:
-            KESTA_DEBUG1("Unknown address family\n", iTraceLevel);   // with a newline of its own
+            KESTA_DEBUG1("Unknown address family\n", iTraceLevel);   // the second newline is fixed
             break;
         }
     }
@@ -312,7 +312,7 @@ bool KestaIPUtilities::ValidateIPv6StartAddress(sockaddr_in6* sa, int prefixLeng
     const KestaIPv6Number hostPart = KestaAddressNumber::of(sa->sin6_addr) & hostBits(prefixLength);
     sa->sin6_addr = KestaAddressNumber::toIPv6(hostPart);
     if (compareIPv6(0, hostPart) != 0)
-        return false;   // without a line that says so, on purpose
+        return false;   // without an "Out" line, on purpose
     KESTA_DEBUG1("Out KestaIPUtilities::ValidateIPv6StartAddress() ", iTraceLevel);
     return true;
 }

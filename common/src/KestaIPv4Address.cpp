@@ -53,7 +53,7 @@ KestaIPv4Address::~KestaIPv4Address() = default;
 
 bool KestaIPv4Address::operator<=(KestaIPAddress* pAddress)
 {
-    // The blank in this line alone is intended: readers of the log look for it.
+    // Intended: only this line has a blank before its "()"; readers of the log look for it.
     KESTA_DEBUG1("In KestaIPv4Address::operator<= ()", iTraceLevel);
     return compareTwoIPv4Addresses(asIPv4(pAddress->viewSockAddress())) <= 0;
 }
@@ -113,7 +113,7 @@ bool KestaIPv4Address::CheckUnAllowedIPv4AddressTypes(const sockaddr_in* sa)
 {
     KESTA_DEBUG1("KestaIPv4Address::CheckUnAllowedIPv4AddressTypes(): Entered", iTraceLevel);
     const in_addr address = sa->sin_addr;
-    // The loopback flag is left out on purpose.
+    // Intended: the loopback flag is not checked.
     if ((m_bIPv4LinkLocal && isIPv4LinkLocalAddress(address)) ||
         (m_bIPv4SiteLocal && isIPv4SiteLocalAddress(address)) ||
         (m_bIPv4MutliCast && isIPv4MulticastAddress(address)) || isIPv4AnyLocalAddress(address))

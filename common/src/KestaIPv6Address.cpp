@@ -14,7 +14,7 @@ bool KestaIPv6Address::m_bIPv6SiteLocal = false;
 namespace
 {
 
-// The three classes that a flag may exclude.
+// The three classes that flags can exclude.
 bool isLinkLocal(const in6_addr& address)
 {
     return IN6_IS_ADDR_LINKLOCAL(&address);
@@ -60,7 +60,7 @@ void KestaIPv6Address::read()
 {
     if (KestaIPUtilities::convertIPv6StringToAddress(m_strIPAddress, asIPv6(m_binIPAddress)) == -1)
     {
-        // Trace and message differ from each other and from those of IPv4, on purpose.
+        // Intended: trace and message differ from each other and from those of IPv4.
         KESTA_DEBUG2(
             "KestaIPv6Address::KestaIPv6Address()-Passed string is not a valid IPv6 address ",
             m_strIPAddress, iTraceLevel);
@@ -110,7 +110,7 @@ bool KestaIPv6Address::CheckUnAllowedIPv6AddressTypes(const sockaddr_in6* sa)
 {
     KESTA_DEBUG1("KestaIPv6Address::CheckUnAllowedIPv6AddressTypes(): Entered", iTraceLevel);
     const in6_addr& address = sa->sin6_addr;
-    // Both on purpose: the loopback flag is left out, and the two result lines name the IPv4 check.
+    // Intended: the loopback flag is not checked, and the two result lines name the IPv4 check.
     if ((m_bIPv6LinkLocal && isLinkLocal(address)) || (m_bIPv6SiteLocal && isSiteLocal(address)) ||
         (m_bIPv6MutliCast && isMulticast(address)) || isIPv4Compatible(address) ||
         isUnspecified(address))
