@@ -119,7 +119,7 @@ void CIndex<TNumber>::reopen()
 }
 
 // Walks through the numbers in ascending order. Of the ranges that hold the current number, the
-// first added is on top of the heap; one further down that has ended stays until it gets to the top.
+// first added is on top of the heap; one that has ended stays in it until it gets to the top.
 template <class TNumber>
 void CIndex<TNumber>::cut()
 {

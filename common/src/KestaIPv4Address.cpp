@@ -53,7 +53,7 @@ KestaIPv4Address::~KestaIPv4Address() = default;
 
 bool KestaIPv4Address::operator<=(KestaIPAddress* pAddress)
 {
-    // Intended: only this line has a blank before its "()"; readers of the log look for it.
+    // Intended: of the operators' lines, only this one has a blank before its "()".
     KESTA_DEBUG1("In KestaIPv4Address::operator<= ()", iTraceLevel);
     return compareTwoIPv4Addresses(asIPv4(pAddress->viewSockAddress())) <= 0;
 }
