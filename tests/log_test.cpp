@@ -117,7 +117,7 @@ protected:
         return WIFSIGNALED(status) ? WTERMSIG(status) : -1;
     }
 
-    const std::string waiting = "kesta: LOG: there is no such log yet; waiting for it\n";
+    const std::string waiting = "kesta: LOG: the log does not exist yet; waiting for it\n";
     pid_t follower = -1;
 };
 
@@ -213,7 +213,7 @@ TEST_F(FollowTest, LateLinesAndOtherChanges)
     EXPECT_TRUE(untilShown("a\nb\nlate\na new log\n"));
     std::ofstream(logPath()) << "torn";
     EXPECT_TRUE(untilShown("a\nb\nlate\na new log\ntorn\n")) << shown();
-    EXPECT_EQ(said(), "kesta: LOG: truncated; going on at its start\n");
+    EXPECT_EQ(said(), "kesta: LOG: truncated; continuing from its start\n");
 }
 
 TEST_F(FollowTest, EndsAtASignalWhateverHappens)

@@ -12,7 +12,7 @@ constexpr CKestaAddressInterval ipv4(std::uint32_t uAddress, int iPrefixLength)
     return blockAt(false, uAddress, iPrefixLength);
 }
 
-// Of the address only the first 32 bits are given.
+// Takes the first 32 bits of the address; the others are 0.
 constexpr CKestaAddressInterval ipv6(std::uint32_t uStart, int iPrefixLength)
 {
     return blockAt(true, KestaIPv6Number{uStart} << 96, iPrefixLength);

@@ -3,8 +3,8 @@
 
 #include "KestaAddressInterval.h"
 
-/// The class that all of these addresses belong to: "private", "link-local" and so on, "global" for
-/// those of no other class, "mixed" when they belong to several.
+/// The class of these addresses: "private", "link-local" and so on, "global" if they are in no
+/// other class, "mixed" if they are in several.
 const char* classOf(const CKestaAddressInterval& interval);
 
 #endif

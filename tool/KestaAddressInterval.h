@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-/// The addresses of one family from the first to the last, both included, as numbers.
+/// Addresses of one family, from the first to the last, both included, as numbers.
 struct CKestaAddressInterval
 {
     bool bIPv6;
@@ -16,7 +16,7 @@ struct CKestaAddressInterval
     KestaIPv6Number last;
 };
 
-/// The block of all addresses whose first `iPrefixLength` bits are those of an address.
+/// The block of all addresses that share the first `iPrefixLength` bits of an address.
 constexpr CKestaAddressInterval blockAt(bool bIPv6, KestaIPv6Number address, int iPrefixLength)
 {
     const int iRestBits = (bIPv6 ? 128 : 32) - iPrefixLength;
@@ -31,11 +31,11 @@ CKestaAddressInterval intervalOf(const KestaIPRange& range);
 /// One address.
 CKestaAddressInterval intervalOf(const KestaIPAddress& address);
 
-/// How many addresses it holds, exactly: "1" to "340282366920938463463374607431768211456".
+/// The exact number of its addresses: "1" to "340282366920938463463374607431768211456".
 std::string sizeOf(const CKestaAddressInterval& interval);
 
-/// The shortest list of blocks, such as 10.1.0.0/16, that together hold these addresses and no
-/// others, in ascending order.
+/// The shortest list of blocks, such as 10.1.0.0/16, that together hold exactly these addresses, in
+/// ascending order.
 std::vector<std::string> blocksOf(const CKestaAddressInterval& interval);
 
 #endif

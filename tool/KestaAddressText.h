@@ -14,13 +14,13 @@ struct CKestaAddressNumber
     KestaIPv6Number number = 0;
 };
 
-/// Reads the usual forms of an address where it stands, whatever follows it: no copy, no system
-/// call. Returns the end of the address; or null for a text that it does not read, which may still
-/// be an address (fall back to readAddress).
+/// Reads an address in one of the usual forms at the start of a text, whatever follows: no copy, no
+/// system call. Returns the end of the address, or null for another text, which may still be an
+/// address (fall back to readAddress).
 const char* scanAddress(const char* pText, CKestaAddressNumber& address);
 
-/// Reads an address as the library's address classes do, whatever form it is in; one that holds a
-/// ":" is an IPv6 address.
+/// Reads an address in any form that the library's address classes read; one that holds a ":" is an
+/// IPv6 address.
 bool readAddress(std::string_view text, CKestaAddressNumber& address);
 
 /// The number of an address value.
@@ -29,7 +29,7 @@ CKestaAddressNumber numberOf(const KestaIPAddress& address);
 /// An address in its usual form.
 std::string textOf(const CKestaAddressNumber& address);
 
-/// The same, whichever text the address value was made from.
+/// The same for an address value, whatever text it was made from.
 std::string textOf(const KestaIPAddress& address);
 
 /// "IPv4" or "IPv6".

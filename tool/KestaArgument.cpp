@@ -16,7 +16,7 @@
 namespace
 {
 
-// Whether a text is month/day/year, and that a day of the calendar.
+// True when a text is month/day/year, and there is such a day.
 bool isDate(const std::string& strText)
 {
     std::tm tmDate = {};
@@ -27,7 +27,7 @@ bool isDate(const std::string& strText)
     tmDate.tm_mon -= 1;
     tmDate.tm_year -= 1900;
     std::tm tmReal = tmDate;
-    timegm(&tmReal);   // which turns 30 February into a day of March
+    timegm(&tmReal);   // turns 30 February into a day in March
     return tmReal.tm_mon == tmDate.tm_mon && tmReal.tm_mday == tmDate.tm_mday;
 }
 

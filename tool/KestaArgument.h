@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
-/// Each makes what an argument stands for, and throws `CKestaToolError` that names the argument and
-/// says what is expected.
+/// Each turns the text of an argument into its value, or throws a `CKestaToolError` that names the
+/// argument and says what is expected.
 
 /// An address; one that holds a ":" is an IPv6 address.
 std::unique_ptr<KestaIPAddress> readAddressArgument(const std::string& strText);
@@ -16,11 +16,12 @@ std::unique_ptr<KestaIPAddress> readAddressArgument(const std::string& strText);
 /// A date, month/day/year.
 CKestaDate readDate(const std::string& strName, const std::string& strText);
 
-/// A number of an option, both limits included.
+/// The number that an option was given; the limits are included.
 long readNumber(const std::string& strName, const std::string& strText, long lLowest,
                 long lHighest);
 
-/// Reads a whole text as a decimal number, both limits included; returns false for another text.
+/// Reads a whole text as a decimal number; the limits are included. Returns false for any other
+/// text.
 bool scanNumber(const std::string& strText, long lLowest, long lHighest, long& lNumber);
 
 #endif

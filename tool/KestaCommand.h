@@ -8,7 +8,7 @@ class App;
 
 class CKestaOutput;
 
-/// A subcommand: its constructor tells the command line what it takes.
+/// A subcommand. Its constructor declares its options and arguments.
 class CKestaCommand
 {
 public:
@@ -17,15 +17,15 @@ public:
     CKestaCommand(const CKestaCommand&) = delete;
     CKestaCommand& operator=(const CKestaCommand&) = delete;
 
-    /// True when the user asks for this command.
+    /// True when the user named this subcommand.
     bool isChosen() const;
 
-    /// True when it runs within an entry into the library, as what the library traces must.
+    /// True when it runs within an entry into the library, so that the library can trace.
     virtual bool isEntry() const { return true; }
 
-    /// Does it, and returns the exit status.
+    /// Runs the subcommand, and returns the exit status.
     ///
-    /// Throws: `CKestaToolError` for what the user is to be told.
+    /// Throws: `CKestaToolError` with the message for the user.
     virtual int run(CKestaOutput& output) = 0;
 
 protected:

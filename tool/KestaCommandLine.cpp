@@ -31,7 +31,7 @@ const std::string strVersion = "kesta " + std::to_string(KESTA_VERSION_MAJOR) + 
                                std::to_string(KESTA_VERSION_MINOR) + "." +
                                std::to_string(KESTA_VERSION_PATCH);
 
-/// What the command takes, and what the user gave.
+/// The options and arguments of the command, and their values.
 class CKestaCommandLine
 {
 public:
@@ -40,26 +40,26 @@ public:
                  "kesta")
     {
         m_root.require_subcommand(1);
-        m_root.fallthrough();   // --data-dir may stand behind the subcommand, too
+        m_root.fallthrough();   // --data-dir may come after the subcommand, too
         m_root
             .add_option("--installed-dir", m_strInstalledDir,
-                        "The installation directory; conf/KestaDebug.ini is below it")
+                        "The installation directory, which contains conf/KestaDebug.ini")
             ->type_name("DIR");
-        m_root.add_option("--data-dir", m_strDataDir, "The data directory; log/ is below it")
+        m_root.add_option("--data-dir", m_strDataDir, "The data directory, which contains log/")
             ->type_name("DIR");
         m_root.set_version_flag("--version", strVersion, "Show the version");
-        m_root.footer("See 'kesta SUBCOMMAND --help'. Exit status: 0 yes or done, 1 no, 2 after "
-                      "an error.");
+        m_root.footer("See 'kesta SUBCOMMAND --help'. Exit status: 0 for yes or success, 1 for "
+                      "no, 2 for an error.");
         for (const auto make : {&makeRangeCommand, &makeHostCommand, &makeDateCommand,
                                 &makeLogCommand, &makeFilterCommand})
             m_commands.push_back(make(m_root));
         m_pHelp = m_root.add_subcommand("help", "Show help for a subcommand");
-        m_pHelp->add_option("SUBCOMMAND", m_strHelp, "The subcommand; kesta itself when left out")
+        m_pHelp->add_option("SUBCOMMAND", m_strHelp, "The subcommand; by default, kesta itself")
             ->type_name("");
     }
 
-    /// Returns the subcommand that the user asks for, or null when everything that was asked for is
-    /// in the output already. Throws: `CKestaToolError`.
+    /// Returns the subcommand that the user named, or null if only help or the version was asked
+    /// for, which is then in the output. Throws: `CKestaToolError`.
     CKestaCommand* parse(int argc, char** argv, CKestaOutput& output)
     {
         refuseBrackets(argc, argv);
@@ -92,7 +92,7 @@ public:
     }
 
 private:
-    // The parser would take a text between brackets for a list of texts.
+    // The parser would take a text in brackets for a list of texts.
     static void refuseBrackets(int argc, char** argv)
     {
         for (int i = 1; i < argc; ++i)
@@ -121,11 +121,13 @@ private:
         return plainly(error);
     }
 
-    // The parser's own text, but where it is hard to understand.
-    static std::string plainly(const CLI::ParseError& error)
+    // The parser's own text, except where it is hard to understand.
+    std::string plainly(const CLI::ParseError& error) const
     {
         std::string strText = error.what();
         const std::size_t ulColon = strText.find(':');
+        if (error.get_name() == "RequiredError" && m_root.get_subcommands().empty())
+            return "no subcommand given";
         if (error.get_name() == "ConversionError")
             return "invalid value" + strText.substr(ulColon);
         if (error.get_name() != "ArgumentMismatch")
@@ -146,7 +148,7 @@ private:
             subcommands = {&m_root};
         if (subcommands.empty())
             throw CKestaToolError(unknownSubcommand(strName) + "; see 'kesta --help'");
-        // Not help() of the application: it shows the help of the subcommand that was parsed.
+        // Not the application's help(), which shows the help of the subcommand that was parsed.
         return m_root.get_formatter()->make_help(subcommands.front(),
                                                  strName.empty() ? "kesta" : "kesta " + strName,
                                                  CLI::AppFormatMode::Normal);
@@ -171,7 +173,7 @@ private:
         return subcommands.empty() ? "kesta" : "kesta " + subcommands.front()->get_name();
     }
 
-    // The library puts file names right behind a directory, so a missing "/" is added here.
+    // The library appends file names directly to a directory, so a missing "/" is added here.
     void setDirectory(const char* pszOption, int iParameter, std::string strDirectory) const
     {
         if (m_root.count(pszOption) == 0)
@@ -182,10 +184,10 @@ private:
             strDirectory += '/';
         if (!CKestaHostSetup::setParameter(iParameter, strDirectory))
             throw CKestaToolError(std::string(pszOption) +
-                                  ": a directory has at most 2047 bytes, its last \"/\" included");
+                                  ": directory is longer than 2047 bytes, its last \"/\" included");
     }
 
-    // There is one: the command line does not parse without.
+    // There is always one: without it, parsing fails.
     CKestaCommand* chosenCommand() const
     {
         return std::find_if(m_commands.begin(), m_commands.end(),
@@ -217,10 +219,10 @@ int run(CKestaCommand& command, CKestaOutput& output)
     }
     catch (const CKestaInputError&)
     {
-        output.flush();   // what could be read is worth showing
+        output.flush();   // what was read before the error is still shown
         throw;
     }
-    catch (const CKestaExc& exc)   // which no subcommand lets through today
+    catch (const CKestaExc& exc)   // no subcommand lets one through today
     {
         CKestaDebug::logMessage(exc);
         throw CKestaToolError(exc.GetErrorMessage());

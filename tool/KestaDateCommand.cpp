@@ -24,8 +24,8 @@ constexpr int iLastFormat = CKestaDate::DDMonYYYY;
 constexpr const char* formatNames[] = {"",         "DDMMYY",    "DDMMYYYY", "MMDDYY",
                                        "MMDDYYYY", "MonDDYYYY", "DDMonYYYY"};
 
-// The library adds days to the day of the month as wrapping 32-bit numbers: a negative number
-// counts backwards, and the largest ones go by halves.
+// The library adds days to the day of the month in 32 bits that wrap. So a negative number counts
+// backwards, and a large one is added in two halves, lest it wrap.
 CKestaDate later(const CKestaDate& date, int iDays)
 {
     const int iHalf = iDays / 2;
@@ -59,7 +59,7 @@ CDateCommand::CDateCommand(CLI::App& root)
           "Prints the date in all six formats, or in one of them.\n\nFormats: 1 DDMMYY, 2 "
           "DDMMYYYY, 3 MMDDYY, 4 MMDDYYYY, 5 MonDDYYYY, 6 DDMonYYYY")
 {
-    m_app.add_option("TEXT", m_strDate, "The date, month/day/year; today when left out")
+    m_app.add_option("TEXT", m_strDate, "The date, month/day/year; today by default")
         ->type_name("");
     m_app.add_option("--plus", m_strPlus, "Add DAYS days, or subtract them when negative")
         ->type_name("DAYS");
@@ -68,7 +68,7 @@ CDateCommand::CDateCommand(CLI::App& root)
             .add_option("--minus", m_strMinus,
                         "Print the number of days since the date TEXT instead")
             ->type_name("TEXT");
-    m_app.add_option("--format", m_strFormat, "Print this format only, 1 to 6")
+    m_app.add_option("--format", m_strFormat, "Print only this format, 1 to 6")
         ->type_name("N")
         ->excludes(pMinus);
     m_app.add_flag("--json", m_bJson, "Write JSON");

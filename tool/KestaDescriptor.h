@@ -3,7 +3,7 @@
 
 #include <unistd.h>
 
-/// Owns a file descriptor, or none (-1). Those of the standard files are left open.
+/// Owns a file descriptor, or none (-1). Standard input, output and error are left open.
 class CKestaDescriptor
 {
 public:

@@ -49,7 +49,7 @@ const CAddressClass& findClass(std::string_view name)
 
 std::string exclusionHelp()
 {
-    return "Exclude these classes of addresses, comma-separated: " + allNames();
+    return "Comma-separated classes of addresses to exclude: " + allNames();
 }
 
 void excludeClasses(const std::string& strClasses)

@@ -6,10 +6,9 @@
 /// The help text of --exclude.
 std::string exclusionHelp();
 
-/// Sets the exclusion flags of both address families by a comma-separated list of the classes that
-/// `exclusionHelp` names.
+/// Sets the exclusion flags of both address families for a comma-separated list of classes.
 ///
-/// Throws: `CKestaToolError` for another name; no flag is set then.
+/// Throws: `CKestaToolError` for a name that `exclusionHelp` does not list; no flag is set then.
 void excludeClasses(const std::string& strClasses);
 
 #endif

@@ -33,7 +33,7 @@ CKestaFileFacts::CKestaFileFacts(const std::string& strFilePath) : strPath(strFi
         iError = iAccessError = errno;
         return;
     }
-    // A log is read, too: whether it ends with a whole line.
+    // The library also reads the log, to see whether it ends with a whole line.
     const int iAccess = W_OK | (isDirectory() ? X_OK : R_OK);
     if (faccessat(AT_FDCWD, strPath.c_str(), iAccess, AT_EACCESS) != 0)
         iAccessError = errno;

@@ -7,7 +7,7 @@
 
 #include <sys/stat.h>
 
-/// What the system says about a file or directory, to this user.
+/// What this user learns from the system about a file or directory.
 struct CKestaFileFacts
 {
     CKestaFileFacts() = default;
@@ -17,23 +17,23 @@ struct CKestaFileFacts
     bool isDirectory() const { return S_ISDIR(status.st_mode); }
     bool isFile() const { return S_ISREG(status.st_mode); }
 
-    /// The user and the group that own it, as "root:adm".
+    /// The user and the group that own it, such as "root:adm".
     std::string owner() const;
 
-    /// The permissions, as "0644".
+    /// The permissions, such as "0644".
     std::string mode() const;
 
-    /// The seconds since it was changed last.
+    /// The seconds since its last change.
     std::time_t age() const;
 
     std::string strPath;
-    int iError = 0;         ///< The errno of a file that can't be looked at.
-    int iAccessError = 0;   ///< What keeps this user from writing it, or to the directory; or 0.
+    int iError = 0;             ///< 0, or the errno of the failed look at it.
+    int iAccessError = 0;       ///< 0, or why this user can't write to it.
     std::uint64_t ulFree = 0;   ///< The bytes free for this user in its file system.
     struct stat status = {};
 };
 
-/// The directory that a path's last part is in, with a "/" at its end.
+/// A path without its last part, with a "/" at its end.
 std::string directoryOf(const std::string& strPath);
 
 /// The last part of a path.

@@ -23,7 +23,7 @@ namespace
 /// What is written of the selected lines.
 struct CFilterStyle
 {
-    bool bCount = false;     // only how many there are
+    bool bCount = false;     // only their number
     bool bQuiet = false;     // nothing at all
     bool bNames = false;     // the file's name in front
     bool bNumbers = false;   // the line's number in front
@@ -66,7 +66,7 @@ public:
 private:
     std::string namePrefix() const { return m_style.bNames ? m_strFile + ":" : ""; }
 
-    // The bytes begin with a line, or go on with one that an earlier call has begun.
+    // The bytes start a line, or continue one that an earlier call has started.
     void writeLines(std::uint64_t ullLine, std::string_view bytes)
     {
         while (!bytes.empty())
@@ -121,10 +121,11 @@ CFilterCommand::CFilterCommand(CLI::App& root)
           "Each line begins with an address, which ends at the first white space or comma.\n"
           "Lines whose address can't be read are reported, and never written. With -e or\n"
           "-f, all arguments are files.\n\n"
-          "Exit status: 0 when some line was selected, 1 when none was, 2 after an error")
+          "Exit status: 0 if a line was selected, 1 if none was, 2 after an error")
 {
-    m_app.add_option("RANGE", m_strRange, "The range, as \"kesta range\" takes it")->type_name("");
-    m_app.add_option("FILE", m_files, "The files to read; standard input when left out, or \"-\"")
+    m_app.add_option("RANGE", m_strRange, "The range; see \"kesta range --help\"")->type_name("");
+    m_app
+        .add_option("FILE", m_files, "The files to read; by default, or for \"-\", standard input")
         ->type_name("");
     m_app.add_option("-e,--range", m_ranges, "A range; may be given several times")
         ->type_name("RANGE")
@@ -216,14 +217,14 @@ void CFilterCommand::scan(const std::string& strPath, CKestaFilterScanner& scann
         scanner.feed(bytes);
         if (isAnswered(scanner))
             return;
-        output.flush();   // what a slow writer sends is not kept waiting for a whole block
+        output.flush();   // lines from a slow writer do not wait until a block is full
         progress.advance(bytes.size());
     }
     scanner.finish();
     sink.endFile(scanner.selectedLines() - ullBefore);
 }
 
-// The first selected line answers a quiet request, whatever comes after it.
+// With -q the first selected line is the answer, whatever comes after it.
 bool CFilterCommand::isAnswered(const CKestaFilterScanner& scanner) const
 {
     return m_style.bQuiet && scanner.selectedLines() > 0;

@@ -65,14 +65,14 @@ void CKestaFilterScanner::finish()
     m_ulMark = 0;
 }
 
-// Leaves out the byte-order mark of a file, as far as it stands in these bytes.
+// Skips a byte-order mark at the start of a file, or the part of it that these bytes hold.
 std::string_view CKestaFilterScanner::skipMark(std::string_view bytes)
 {
     while (!bytes.empty() && m_ulMark < byteOrderMark.size())
     {
         if (bytes.front() != byteOrderMark[m_ulMark])
         {
-            m_strBegun = byteOrderMark.substr(0, m_ulMark);   // it is of the first line after all
+            m_strBegun = byteOrderMark.substr(0, m_ulMark);   // not a mark: part of the first line
             m_ulMark = byteOrderMark.size();
             break;
         }
@@ -82,7 +82,7 @@ std::string_view CKestaFilterScanner::skipMark(std::string_view bytes)
     return bytes;
 }
 
-// Looks at the line of which an earlier piece held the start. Returns where the next line starts.
+// Continues the line whose start was in an earlier piece. Returns where the next line starts.
 const char* CKestaFilterScanner::finishLine(const char* pByte, const char* pEnd)
 {
     const char* const pNewline = findNewline(pByte, pEnd);
@@ -107,7 +107,7 @@ const char* CKestaFilterScanner::finishLine(const char* pByte, const char* pEnd)
 // Looks at whole lines, each with its newline.
 void CKestaFilterScanner::scanLines(const char* pLine, const char* pEnd)
 {
-    const char* pSelected = nullptr;   // where the lines start that are to go out together
+    const char* pSelected = nullptr;   // the start of selected lines that go out together
     std::uint64_t ullSelected = 0;
     while (pLine != pEnd)
     {
@@ -126,7 +126,7 @@ void CKestaFilterScanner::scanLines(const char* pLine, const char* pEnd)
         m_sink.selected(ullSelected, between(pSelected, pEnd));
 }
 
-// Keeps the start of a line that goes on in the next piece, or looks at it, once it is long enough.
+// Keeps the start of a line that continues in the next piece, or judges it, once it is long enough.
 void CKestaFilterScanner::beginLine(std::string_view bytes)
 {
     if (bytes.size() < ulLongestStart)
@@ -141,7 +141,7 @@ void CKestaFilterScanner::beginLine(std::string_view bytes)
         m_sink.selected(m_ullLine, bytes);
 }
 
-// Looks at the address of a line. Tells how far it was looked at: nothing before is a newline.
+// Judges a line by its address. There is no newline before `*ppStop`.
 bool CKestaFilterScanner::judgeLine(const char* pLine, const char* pLimit, const char** ppStop)
 {
     ++m_ullLine;
@@ -156,7 +156,7 @@ bool CKestaFilterScanner::judgeLine(const char* pLine, const char* pLimit, const
     return judgeSlowly(between(pLine, *ppStop).substr(0, ulLongestStart));
 }
 
-// Asks the library what the usual forms don't tell.
+// Leaves an address in an unusual form to the library.
 bool CKestaFilterScanner::judgeSlowly(std::string_view line)
 {
     const auto itEnd = std::find_if(line.begin(), line.end(), &endsAddress);

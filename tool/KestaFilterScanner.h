@@ -9,19 +9,19 @@
 #include <string>
 #include <string_view>
 
-/// Picks lines by the address that each begins with. Bytes go in by pieces of any size; what is
-/// selected comes out in the same order, by pieces that span as many lines as possible.
+/// Selects lines by the address that each begins with. Bytes go in as pieces of any size; selected
+/// lines come out in the same order, as pieces that span as many lines as possible.
 ///
-/// The address goes up to the first white space or comma, or to the end of the line, and is
-/// whatever the library's address classes read; it must end within the first 4096 bytes of its
-/// line. Lines may be of any length: memory stays the same.
+/// The address ends at the first white space or comma, or with the line, and may have any form that
+/// the library's address classes read; it must end within the first 4096 bytes of its line. Lines
+/// may be of any length: memory stays the same.
 ///
 /// A line whose address can't be read is reported, and never selected. A byte-order mark at the
-/// start of a file is left out.
+/// start of a file is skipped.
 class CKestaFilterScanner
 {
 public:
-    /// Takes what the scanner finds.
+    /// Receives what the scanner finds.
     class CSink
     {
     public:
@@ -32,7 +32,8 @@ public:
         /// the caller's of `feed`: valid during the call only.
         virtual void selected(std::uint64_t ullLine, std::string_view bytes) = 0;
 
-        /// A line, counted from 1, that does not begin with an address; and what it begins with.
+        /// A line that does not begin with an address: its number, counted from 1, and the text at
+        /// its start.
         virtual void unreadable(std::uint64_t ullLine, std::string_view text) = 0;
     };
 
@@ -44,8 +45,8 @@ public:
     /// Looks at the next bytes of the file.
     void feed(std::string_view bytes);
 
-    /// The end of the file: a last line without a newline is looked at, and given one. The scanner
-    /// can begin with another file then, its lines counted from 1 anew.
+    /// The end of the file: a last line without a newline is judged, and given one. The scanner can
+    /// then start with another file, whose lines are counted from 1 again.
     void finish();
 
     /// The number of lines that were selected, in all files.
@@ -66,9 +67,9 @@ private:
     CSink& m_sink;
 
     std::size_t m_ulMark = 0;      // how many bytes of a byte-order mark the file began with
-    std::uint64_t m_ullLine = 0;   // the line that is being looked at
+    std::uint64_t m_ullLine = 0;   // the number of the current line
     std::uint64_t m_ullSelected = 0;
-    std::string m_strBegun;    // the start of a line of which more is to come
+    std::string m_strBegun;    // the start of a line that continues in the next piece
     bool m_bDecided = false;   // the current line is already judged; its remaining bytes follow
     bool m_bDecidedSelected = false;   // and is selected
 };

@@ -17,11 +17,11 @@ public:
     CKestaHostQueries& operator=(const CKestaHostQueries&) = delete;
 };
 
-/// The addresses of this host's interfaces, asked for once.
+/// The addresses of this host's interfaces, as they are when it is made.
 class CKestaHostAddresses
 {
 public:
-    /// Throws: `CKestaToolError` when the system does not tell.
+    /// Throws: `CKestaToolError` when the system does not give them.
     CKestaHostAddresses()
     {
         if (KestaIPUtilities::queryHostIP(nullptr, m_ipv6, m_ipv4) != 0)

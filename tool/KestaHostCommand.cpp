@@ -38,7 +38,7 @@ struct CHost
     std::string strSystem;
     std::vector<CEntry> entries;
 
-    // The filter keeps the order, and of equal addresses all or none.
+    // The filter keeps the order, and keeps either all or none of several equal addresses.
     template <class TAddress>
     void add(const CKestaArray<TAddress>& all, const CKestaArray<TAddress>& kept)
     {
@@ -88,8 +88,8 @@ private:
 CHostCommand::CHostCommand(CLI::App& root)
     : CKestaCommand(root, "host", "Show the host's name, system and addresses",
                     "Shows every interface address with its family, its class, and whether the\n"
-                    "filter keeps it. The filter always drops loopback addresses, and the classes\n"
-                    "of --exclude.")
+                    "filter keeps it. The filter drops loopback, unspecified and IPv4-compatible\n"
+                    "addresses, and the classes given with --exclude.")
 {
     m_app.add_option("--exclude", m_strExcluded, exclusionHelp())->type_name("CLASSES");
     m_app.add_flag("--json", m_bJson, "Write JSON");

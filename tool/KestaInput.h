@@ -19,7 +19,7 @@ public:
     using CKestaToolError::CKestaToolError;
 };
 
-/// Which file it is, whatever its name; by default, none. While a file is held open, no other one
+/// Identifies a file, whatever its name; by default, no file. While a file is open, no other file
 /// has its id.
 struct CKestaFileId
 {
@@ -42,26 +42,26 @@ struct CKestaFileId
 class CKestaInput
 {
 public:
-    /// Opens a file; "-" is standard input. A file that is standard output, too, is refused:
-    /// reading it would never end.
+    /// Opens a file; "-" is standard input. A file that is also standard output is refused: reading
+    /// it would never end.
     explicit CKestaInput(const std::string& strPath);
 
-    /// The same, or null when there is no such file.
+    /// The same, or null if the file does not exist.
     static std::unique_ptr<CKestaInput> openIfThere(const std::string& strPath);
 
-    /// The next bytes; none at the end, for now. They stay valid until the next call.
+    /// The next bytes; none at the end, for now. They are valid until the next call.
     std::string_view read();
 
     CKestaFileId id() const;
 
-    /// Passes over what the file holds by now.
+    /// Skips what the file holds now.
     void skip();
 
-    /// Goes back to the start, and returns true, when the file has become shorter than what was
-    /// read of it.
+    /// If the file has become shorter than what was read of it, goes back to its start and returns
+    /// true.
     bool rewindIfShortened();
 
-    /// The size of a regular file; 0 for another.
+    /// The size of a regular file; 0 for any other.
     std::uint64_t size() const;
 
     /// The name to show: the path, or "(standard input)".

@@ -41,7 +41,7 @@ bool copyLog(CKestaInput& input, CKestaOutput& output)
     return bSome;
 }
 
-/// Why the lines that the user looks for are not in the log.
+/// Why the lines that the user expects are not in the log.
 std::string advice()
 {
     const CKestaLogFacts facts;
@@ -59,7 +59,7 @@ void showConfigured(CKestaOutput& output)
     const std::string strLog = CKestaDebug::getLogFile();
     const std::unique_ptr<CKestaInput> pInput = CKestaInput::openIfThere(strLog);
     if (pInput == nullptr)
-        throw CKestaToolError(strLog + ": there is no such log" + advice());
+        throw CKestaToolError(strLog + ": the log does not exist" + advice());
     if (!copyLog(*pInput, output))
         report(strLog + ": the log is empty" + advice());
 }
@@ -81,7 +81,7 @@ CKestaFollowedLog configuredLog()
             sizeLimit(CKestaConfiguration::getDebugSize())};
 }
 
-/// Of a log elsewhere only the names are known.
+/// For a log elsewhere only the paths are known.
 CKestaFollowedLog logAt(const std::string& strPath)
 {
     CKestaFollowedLog configured = configuredLog();
@@ -97,7 +97,7 @@ CKestaFollowedLog logAt(const std::string& strPath)
     const CKestaFollowedLog log = configuredLog();
     const CKestaLogVerdict verdict{CKestaLogFacts()};
     if (!verdict.bTraced)
-        report(log.strLog + ": nothing is added; " + verdict.finding.strWhat +
+        report(log.strLog + ": no lines will be added: " + verdict.finding.strWhat +
                "; see 'kesta log --check'");
     CKestaLogFollower(log, output).run();
 }
@@ -121,17 +121,16 @@ private:
 
 CLogCommand::CLogCommand(CLI::App& root)
     : CKestaCommand(root, "log", "Show a trace log as plain text",
-                    "Shows a log in either form, the framing taken out. A log that a host's own "
-                    "cipher wrote stays enciphered.")
+                    "Shows a log in either form, without the framing. Lines that a host's own "
+                    "cipher wrote stay enciphered.")
 {
     m_app
         .add_option("FILE", m_strFile,
-                    "The log, \"-\" for standard input; the configured log when "
-                    "left out")
+                    "The log, \"-\" for standard input; by default, the configured log")
         ->type_name("");
     CLI::Option* const pFollow =
         m_app.add_flag("-f,--follow", m_bFollow,
-                       "Go on with what is added, also after a roll-over, until interrupted");
+                       "Keep showing new lines, also after a roll-over, until interrupted");
     CLI::Option* const pCheck =
         m_app.add_flag("--check", m_bCheck, "Say whether lines are traced, and if not, why")
             ->excludes("FILE")

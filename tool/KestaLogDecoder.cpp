@@ -15,7 +15,7 @@ bool isItemTypeByte(char cByte)
     return (cByte >= 'A' && cByte <= 'Z') || (cByte >= '0' && cByte <= '9') || cByte == '_';
 }
 
-// Whether a text amid a line may still become a mark and "[", an item type and "]:".
+// True when a text within a line may still become a mark, "[", an item type and "]:".
 bool mayBecomeTraceLine(std::string_view held)
 {
     if (held.size() <= ulMark)
@@ -60,7 +60,7 @@ void CKestaLogDecoder::finish(std::string& strText)
     m_bAfterNul = false;
 }
 
-// Copies the bytes up to the next that may be of a frame or a mark.
+// Copies the bytes up to the next that may belong to a frame or a mark.
 const char* CKestaLogDecoder::copyText(const char* pByte, const char* pEnd, std::string& strText)
 {
     const char* const pStop =
@@ -70,12 +70,12 @@ const char* CKestaLogDecoder::copyText(const char* pByte, const char* pEnd, std:
     return pStop;
 }
 
-// Holds a byte back, and settles what is held once it is known. When the byte shows that the others
-// are text, it is not taken: it is to be looked at anew.
+// Holds a byte back, and decides what the held bytes are as soon as that is known. Returns false,
+// without the byte, when it shows that the others are text: it must be decoded again.
 bool CKestaLogDecoder::hold(char cByte, std::string& strText)
 {
     if (m_bLineStart && m_strHeld.size() == 1 && cByte == szMark[0])
-        return true;   // the byte before was of a mark that was torn
+        return true;   // the byte before it belonged to a torn mark
     m_strHeld += cByte;
     if (m_bLineStart && m_strHeld == szMark)
         m_strHeld.clear();
@@ -97,7 +97,7 @@ bool CKestaLogDecoder::hold(char cByte, std::string& strText)
 void CKestaLogDecoder::endLine(std::string& strText)
 {
     if (m_bLineStart)
-        m_strHeld.clear();   // of a mark that was torn
+        m_strHeld.clear();   // part of a torn mark
     release(strText);
     if (!m_bLineStart)
         strText += '\n';

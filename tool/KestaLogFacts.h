@@ -14,7 +14,7 @@ struct CKestaCheckedSetting
     std::string strKey;
     std::string strValue;
     bool bCut;         ///< The line is too long to be read as one.
-    bool bTakenOver;   ///< The line ends with its first "=": the value is of an earlier line.
+    bool bTakenOver;   ///< The line ends with its first "=": the value is an earlier line's.
 };
 
 /// An environment variable that names a directory.
@@ -23,11 +23,11 @@ struct CKestaCheckedVariable
     enum class EState
     {
         notSet,
-        empty,   ///< Which counts as not set.
-        heeded,
-        replaced,     ///< By an option of the command.
-        tooLong,      ///< So it is not heeded.
-        privileged,   ///< The process has raised privileges, and does not heed it.
+        empty,   ///< Counts as not set.
+        used,
+        replaced,     ///< An option of the command overrides it.
+        tooLong,      ///< Ignored.
+        privileged,   ///< Ignored, because the process has raised privileges.
     };
 
     std::string strName;
@@ -35,17 +35,14 @@ struct CKestaCheckedVariable
     EState eState;
 };
 
-/// The byte-order mark of UTF-8: the library takes it for a part of the first key.
-constexpr char szUtf8Mark[] = "\xEF\xBB\xBF";
-
-/// Everything that decides whether a line that a host traces now is written: what an entry of this
-/// user in this environment would find. Looking at it creates and changes nothing.
+/// Everything that decides whether a line that a host traces now is written, as an entry of this
+/// user in this environment would find it. Collecting it creates and changes nothing.
 struct CKestaLogFacts
 {
     /// Reads the configuration, and looks at the files that it names.
     CKestaLogFacts();
 
-    /// The setting of a key that counts, the last one; or null.
+    /// The last setting of a key, which is the one that counts; or null.
     const CKestaCheckedSetting* setting(const std::string& strKey) const;
 
     std::vector<CKestaCheckedVariable> variables;
@@ -57,7 +54,7 @@ struct CKestaLogFacts
 
     bool bSwitchedOn = false;
     int iLevel = 0;
-    std::int32_t iSizeLimit = 0;   ///< A log with more bytes is rolled over at the end of an entry.
+    std::int32_t iSizeLimit = 0;   ///< A log of more bytes is rolled over at the end of an entry.
 
     CKestaFileFacts log;
     CKestaFileFacts logDirectory;

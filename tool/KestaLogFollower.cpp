@@ -12,8 +12,8 @@
 namespace
 {
 
-// While output is slow, logs that were replaced meanwhile take disk space for as long as they are
-// held.
+// A log that is held open takes disk space even after it was replaced. While output is slow, there
+// may be many of them.
 constexpr std::size_t ulMostHeld = 64;
 
 }   // namespace
@@ -39,8 +39,7 @@ CKestaLogFollower::~CKestaLogFollower() = default;
 
 void CKestaLogFollower::run()
 {
-    // Started in the background by a script, the process would have inherited that they are
-    // ignored.
+    // In the background of a script these signals would otherwise be ignored.
     std::signal(SIGINT, SIG_DFL);
     std::signal(SIGTERM, SIG_DFL);
     begin();
@@ -53,7 +52,7 @@ void CKestaLogFollower::run()
     }
 }
 
-// What the old log holds at the start is not what is followed.
+// The lines that the old log holds at the start are not shown.
 void CKestaLogFollower::begin()
 {
     try
@@ -73,17 +72,18 @@ void CKestaLogFollower::begin()
     m_watch.takeRollOvers();
     m_lUnseen = 0;
     if (!m_watch.isComplete())
-        report(m_followed.strLog + ": the system reports no changes; what is missed can't be said");
+        report(m_followed.strLog +
+               ": the system does not report changes; missed logs can't be counted");
     if (m_pLog == nullptr)
-        report(m_followed.strLog + ": there is no such log yet; waiting for it");
+        report(m_followed.strLog + ": the log does not exist yet; waiting for it");
 }
 
 void CKestaLogFollower::update()
 {
     if (m_logs.size() >= ulMostHeld)
         return;
-    // A roll-over is reported after it was done: those that are reported by now can be seen, or
-    // can never be seen any more.
+    // A roll-over is reported after it is done. So those reported by now can be seen, or never
+    // will be.
     m_lUnseen += m_watch.takeRollOvers();
     look();
     if (m_lUnseen > 0)
@@ -114,7 +114,7 @@ void CKestaLogFollower::look()
     }
 }
 
-// The old log's path leads to another file than before.
+// There is another file at the old log's path than before.
 void CKestaLogFollower::rollOver()
 {
     const CKestaFileId oldId = CKestaFileId::at(m_followed.strOldLog);
@@ -159,24 +159,24 @@ void CKestaLogFollower::copy(CLog& log)
     if (log.pInput->rewindIfShortened())
     {
         log.printer.finish();
-        report(m_followed.strLog + ": truncated; going on at its start");
+        report(m_followed.strLog + ": truncated; continuing from its start");
     }
     for (std::string_view bytes = log.pInput->read(); !bytes.empty(); bytes = log.pInput->read())
     {
         log.printer.print(bytes);
         m_output.flush();
-        update();   // what is rolled over while output is slow must be taken hold of
+        update();   // a log that is rolled over while output is slow must be opened in time
     }
 }
 
-// No path leads to it any more. The log and the old log may still grow.
+// True when it has neither of the two paths any more. The log and the old log may still grow.
 bool CKestaLogFollower::isReplaced(const CLog& log) const
 {
     return &log != m_pLog && log.pInput->id() != m_oldId;
 }
 
-// Nothing has happened for a while: a line that has no end by now was torn, and every roll-over
-// that was seen has been reported, if ever it will be.
+// Nothing has happened for a while: a line that has not ended by now was torn, and no report of a
+// roll-over is still to come.
 void CKestaLogFollower::settle()
 {
     for (CLog& log : m_logs)

@@ -12,22 +12,22 @@
 
 class CKestaOutput;
 
-/// Where a trace log is, and where it goes.
+/// The paths of a trace log, before and after it is rolled over.
 struct CKestaFollowedLog
 {
     std::string strLog;
     std::string strOldLog;            ///< Empty when it is not known.
-    std::optional<long> lSizeLimit;   ///< A log that is rolled over has more bytes.
+    std::optional<long> lSizeLimit;   ///< A log that is rolled over has more bytes than this.
 };
 
-/// Writes a trace log and what is added to it, for ever.
+/// Writes a trace log, and what is added to it, until the process is interrupted.
 ///
-/// A roll-over renames the log to the old log, so a file is known by its id, not by its name. The
-/// log and the old log are held open: lines that come late to the old log are still shown. When the
-/// old log is a file that was not seen before, the log was rolled over more than once, and that
-/// file comes before the new log. Whatever was replaced unseen even as the old log is missed, and
-/// reported; the directory's events say how many logs that were. A log that does not exist yet is
-/// waited for.
+/// A roll-over renames the log to the old log, so files are known by their ids, not by their names.
+/// The log and the old log are held open: lines that come late to the old log are still shown. If
+/// the old log is a file not seen before, the log was rolled over more than once, and this file
+/// comes before the new log. A file that was replaced even as the old log before it was seen is
+/// reported as missed; the events of the directory say how many there were. If the log does not
+/// exist yet, the follower waits for it.
 class CKestaLogFollower
 {
 public:
@@ -60,9 +60,9 @@ private:
     CKestaOutput& m_output;
     CKestaLogWatch m_watch;
     std::list<CLog> m_logs;   // held open, the oldest first
-    CLog* m_pLog = nullptr;   // the one that the log's path led to last
-    CKestaFileId m_oldId;     // the one that the old log's path led to last
-    long m_lUnseen = 0;       // roll-overs that were reported, less those that were seen
+    CLog* m_pLog = nullptr;   // the file last seen at the log's path
+    CKestaFileId m_oldId;     // the file last seen at the old log's path
+    long m_lUnseen = 0;       // the roll-overs that were reported, minus those that were seen
 };
 
 #endif

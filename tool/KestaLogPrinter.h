@@ -9,17 +9,17 @@
 
 class CKestaOutput;
 
-/// Shows the bytes of a trace log as plain text, by whole lines: those of several logs may
-/// alternate on one output.
+/// Shows the bytes of a trace log as plain text, in whole lines, so that several logs may share one
+/// output.
 ///
-/// On a terminal everything that it could obey is escaped, for a traced text may come from anyone.
-/// Elsewhere the bytes are as they are.
+/// On a terminal everything that it could obey is escaped, because a traced text may come from
+/// anyone. Elsewhere the bytes are written as they are.
 class CKestaLogPrinter
 {
 public:
     explicit CKestaLogPrinter(CKestaOutput& output);
 
-    /// Writes what is complete with these bytes. A line without an end is written by long pieces.
+    /// Writes the lines that these bytes complete. A line without an end is written in long pieces.
     void print(std::string_view bytes);
 
     /// The end of the log: writes what was held back, as a whole line.
@@ -31,7 +31,7 @@ private:
     CKestaOutput& m_output;
     bool m_bTerminal;
     CKestaLogDecoder m_decoder;
-    std::string m_strText;   // decoded, and not written yet
+    std::string m_strText;   // decoded, but not written yet
 };
 
 #endif

@@ -34,14 +34,14 @@ std::string stateOf(const CKestaCheckedVariable& variable)
         return "not set";
     case CKestaCheckedVariable::EState::empty:
         return "empty, counts as not set";
-    case CKestaCheckedVariable::EState::heeded:
-        return "heeded";
+    case CKestaCheckedVariable::EState::used:
+        return "used";
     case CKestaCheckedVariable::EState::replaced:
-        return "not heeded, an option takes its place";
+        return "ignored, an option overrides it";
     case CKestaCheckedVariable::EState::tooLong:
-        return "not heeded, longer than 2047 bytes";
+        return "ignored, longer than 2047 bytes";
     default:
-        return "not heeded with raised privileges";
+        return "ignored, the process has raised privileges";
     }
 }
 
@@ -50,7 +50,7 @@ std::string directoryMeaning(const std::string& strDirectory, const char* pszDef
     if (strDirectory.empty())
         return pszDefault;
     return strDirectory.front() == '/' ? "directory"
-                                       : "directory, relative to the one that the host runs in";
+                                       : "directory, relative to the host's working directory";
 }
 
 // What the library makes of a value, whether another line replaces it or not.
@@ -76,9 +76,9 @@ std::string remarksOn(const CKestaLogFacts& facts, const CKestaCheckedSetting& s
 {
     std::string strRemarks;
     if (setting.bTakenOver)
-        strRemarks += ", value taken over from the line above";
+        strRemarks += ", value taken from the line above";
     if (setting.bCut)
-        strRemarks += ", line is cut after 1023 bytes";
+        strRemarks += ", line is split after 1023 bytes";
     const CKestaCheckedSetting* const pCounted = facts.setting(setting.strKey);
     if (pCounted != &setting)
         strRemarks += ", replaced by line " + std::to_string(pCounted->ulLine);
@@ -90,9 +90,9 @@ std::string configurationState(const CKestaLogFacts& facts)
     if (facts.iConfigurationError != 0)
         return std::strerror(facts.iConfigurationError);
     if (!facts.configuration.isFile())
-        return "no regular file";
+        return "not a regular file";
     const std::string& strMark = facts.strByteOrderMark;
-    return "found" + (strMark.empty() ? "" : ", begins with a byte-order mark of " + strMark);
+    return "found" + (strMark.empty() ? "" : ", begins with a " + strMark + " byte-order mark");
 }
 
 std::string ageText(std::time_t lSeconds)

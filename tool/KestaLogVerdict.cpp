@@ -41,7 +41,7 @@ CKestaFinding missingConfiguration(const CKestaLogFacts& facts)
     const std::string strWhat = "there is no configuration file " + facts.configuration.strPath;
     const std::string& strDirectory = facts.strInstalledDir;
     if (!strDirectory.empty() && strDirectory.back() != '/')
-        return {strWhat + ", as the installation directory does not end in \"/\"",
+        return {strWhat + ": the installation directory does not end with \"/\"",
                 "set " + variable.strName + "=" + strDirectory + "/"};
     switch (variable.eState)
     {
@@ -49,10 +49,11 @@ CKestaFinding missingConfiguration(const CKestaLogFacts& facts)
         return {strWhat + ", and " + variable.strName + " is empty, which counts as not set",
                 "set " + variable.strName + " to the installation directory"};
     case CKestaCheckedVariable::EState::tooLong:
-        return {strWhat + ", and " + variable.strName + " is too long to be heeded",
-                "give it at most 2047 bytes"};
+        return {strWhat + ", and " + variable.strName + " is too long and therefore ignored",
+                "shorten it to at most 2047 bytes"};
     case CKestaCheckedVariable::EState::privileged:
-        return {strWhat + ", and " + variable.strName + " is not heeded with raised privileges",
+        return {strWhat + ", and " + variable.strName +
+                    " is ignored because the process has raised privileges",
                 "have the host set its installation directory itself"};
     default:
         return {strWhat, "create it, with the lines DEBUG=Y and DEBUGLEVEL=3, or set " +
@@ -69,52 +70,54 @@ CObstacle findInConfiguration(const CKestaLogFacts& facts)
     if (iError == EACCES)
         return CKestaFinding{user() + " can't read the configuration file " +
                                  systemError(file.strPath, iError) + permissions(file),
-                             "let " + user() + " read it, and search the directories above it"};
+                             "let " + user() + " read it and search the directories above it"};
     if (iError != 0)
         return CKestaFinding{"can't read the configuration file " +
                                  systemError(file.strPath, iError),
                              "put a regular file there"};
     if (!file.isFile())
-        return CKestaFinding{"the configuration file " + file.strPath + " is no regular file",
+        return CKestaFinding{"the configuration file " + file.strPath + " is not a regular file",
                              "put a regular file there"};
     return std::nullopt;
 }
 
-// What stands in the file in place of a key that it does not hold.
+// Why the file does not hold a key.
 CKestaFinding missingKey(const CKestaLogFacts& facts, const std::string& strKey,
                          const std::string& strWanted)
 {
     const std::string& strPath = facts.configuration.strPath;
     if (facts.strByteOrderMark == "UTF-16")
-        return {strPath + " is in UTF-16, which can't be read", "save it in UTF-8, without a mark"};
+        return {strPath + " is in UTF-16, which can't be read",
+                "save it as UTF-8 without a byte-order mark"};
     for (const CKestaCheckedSetting& setting : facts.settings)
     {
-        if (!facts.strByteOrderMark.empty() && setting.strKey == szUtf8Mark + strKey)
+        if (!facts.strByteOrderMark.empty() &&
+            setting.strKey == std::string(byteOrderMark) + strKey)
             return {"a byte-order mark hides " + strKey + " in " + lineOf(setting),
-                    "save " + strPath + " without the mark"};
+                    "save " + strPath + " without the byte-order mark"};
         if (strcasecmp(setting.strKey.c_str(), strKey.c_str()) == 0)
             return {inQuotes(setting.strKey) + " in " + lineOf(setting) +
-                        " is no key: keys are upper case",
+                        " is not a key: keys are upper case",
                     "write " + strWanted};
     }
     return {strPath + " does not set " + strKey, "add the line " + strWanted};
 }
 
-// Why a setting that is there does not do.
+// Why a setting has not the effect that is wanted.
 CKestaFinding uselessSetting(const CKestaCheckedSetting& setting, const std::string& strWhy,
                              const std::string& strWanted)
 {
     const std::string strWhat =
         setting.strKey + " is " + inQuotes(setting.strValue) + " in " + lineOf(setting);
     if (setting.bTakenOver)
-        return {strWhat + ", taken over from the line above as it gives no value: " + strWhy,
+        return {strWhat + ", which has no value and takes that of the line above: " + strWhy,
                 "write " + strWanted};
     if (setting.bCut)
         return {strWhat + ", which is too long and read as several lines: " + strWhy,
-                "keep lines below 1024 bytes"};
+                "keep lines shorter than 1024 bytes"};
     if (setting.strValue.find('#') != std::string::npos)
-        return {strWhat + ", as \"#\" behind a value belongs to it: " + strWhy,
-                "write " + strWanted + ", and the comment in a line of its own"};
+        return {strWhat + ", because a \"#\" after a value is part of it: " + strWhy,
+                "write " + strWanted + " and put the comment on a line of its own"};
     return {strWhat + ": " + strWhy, "write " + strWanted};
 }
 
@@ -130,7 +133,7 @@ CObstacle findInLevel(const CKestaLogFacts& facts)
     return uselessSetting(*pSetting,
                           facts.iLevel < 0 ? "lines of higher levels are not written"
                           : bNumber        ? "there is no log at level 0"
-                                           : "what is no number counts as 0, no log",
+                                           : "it is not a number and counts as 0, no log",
                           strWanted);
 }
 
@@ -141,7 +144,7 @@ CObstacle findInSwitch(const CKestaLogFacts& facts)
     const CKestaCheckedSetting* const pSetting = facts.setting("DEBUG");
     if (pSetting == nullptr)
         return missingKey(facts, "DEBUG", "DEBUG=Y");
-    return uselessSetting(*pSetting, "only Y and y are on", "DEBUG=Y");
+    return uselessSetting(*pSetting, "only Y and y mean on", "DEBUG=Y");
 }
 
 CObstacle findInDirectory(const CKestaLogFacts& facts)
@@ -151,12 +154,13 @@ CObstacle findInDirectory(const CKestaLogFacts& facts)
         return std::nullopt;
     const std::string strName = "the log directory " + directory.strPath;
     if (directory.iError == ENOENT)
-        return CKestaFinding{strName + " does not exist", "create it, writable for " + user()};
+        return CKestaFinding{strName + " does not exist",
+                             "create it and make it writable for " + user()};
     if (directory.iAccessError != 0)
         return CKestaFinding{
             systemError(user() + " can't write to " + strName, directory.iAccessError) +
                 permissions(directory),
-            "let " + user() + " write to it, and search the directories above it"};
+            "let " + user() + " write to it and search the directories above it"};
     return std::nullopt;
 }
 
@@ -166,11 +170,11 @@ CObstacle findInLog(const CKestaLogFacts& facts)
     if (!log.isThere())
         return std::nullopt;
     if (!log.isFile() && !S_ISCHR(log.status.st_mode))
-        return CKestaFinding{"the log " + log.strPath + " is no regular file", "remove it"};
+        return CKestaFinding{"the log " + log.strPath + " is not a regular file", "remove it"};
     if (log.iAccessError != 0)
         return CKestaFinding{user() + " can't read and write the log " +
                                  systemError(log.strPath, log.iAccessError) + permissions(log),
-                             "give it to " + user() + ", or remove it"};
+                             "make " + user() + " its owner, or remove it"};
     return std::nullopt;
 }
 
@@ -178,7 +182,7 @@ CObstacle findInSpace(const CKestaLogFacts& facts)
 {
     if (facts.logDirectory.ulFree == 0)
         return CKestaFinding{"the file system of " + facts.logDirectory.strPath + " is full",
-                             "make room"};
+                             "free some space"};
     rlimit limit;
     if (getrlimit(RLIMIT_FSIZE, &limit) == 0 &&
         limit.rlim_cur <= static_cast<rlim_t>(facts.log.status.st_size))
@@ -191,7 +195,7 @@ CObstacle findInSpace(const CKestaLogFacts& facts)
 // What keeps the log from becoming the old log.
 CObstacle findInRollOver(const CKestaLogFacts& facts)
 {
-    const std::string strWhat = "the log can't be rolled over and grows without a limit: ";
+    const std::string strWhat = "the log can't be rolled over and grows without limit: ";
     const CKestaFileFacts& from = facts.logDirectory;
     const CKestaFileFacts& to = facts.oldLogDirectory;
     if (facts.oldLog.isDirectory())
@@ -212,13 +216,13 @@ std::vector<CKestaFinding> findSurprises(const CKestaLogFacts& facts)
 {
     std::vector<CKestaFinding> result;
     if (facts.iLevel < iLibraryLevel)
-        result.push_back({"the library's own lines are of level 3, error objects of level 1",
-                          "write DEBUGLEVEL=3 to have them all"});
+        result.push_back({"the library's own lines have level 3, error objects have level 1",
+                          "write DEBUGLEVEL=3 to get them all"});
     if (const CObstacle obstacle = findInRollOver(facts))
         result.push_back(*obstacle);
     else if (facts.iSizeLimit <= 0)
-        result.push_back({"every log is rolled over to " + facts.oldLog.strPath +
-                              " at the end of its entry, as DEBUGSIZE leaves no room",
+        result.push_back({"the log is rolled over to " + facts.oldLog.strPath +
+                              " at the end of every entry, because the size limit is 0 or negative",
                           "look there, or write DEBUGSIZE=1000"});
     return result;
 }
@@ -237,7 +241,7 @@ CKestaLogVerdict::CKestaLogVerdict(const CKestaLogFacts& facts)
         }
     }
     bTraced = true;
-    finding = {"lines of levels up to " + std::to_string(facts.iLevel) + " are written to " +
+    finding = {"lines up to level " + std::to_string(facts.iLevel) + " are written to " +
                    facts.log.strPath,
                "run the host, then kesta log"};
     notes = findSurprises(facts);

@@ -6,7 +6,7 @@
 
 struct CKestaLogFacts;
 
-/// What there is to know, and what to do about it.
+/// A fact that the user should know, and what to do about it.
 struct CKestaFinding
 {
     std::string strWhat;
@@ -16,7 +16,7 @@ struct CKestaFinding
 /// Whether a traced line would be written.
 struct CKestaLogVerdict
 {
-    /// Judges as the library does: the first thing that keeps a line out of the log decides.
+    /// Judges as the library does: the first obstacle to writing a line decides.
     explicit CKestaLogVerdict(const CKestaLogFacts& facts);
 
     bool bTraced = false;

@@ -17,7 +17,7 @@ CKestaLogWatch::CKestaLogWatch(const std::string& strLog, const std::string& str
     watch();
 }
 
-// A directory that is watched already stays so; one that did not exist before may by now.
+// Watching a directory twice does no harm, and one that did not exist before may exist now.
 void CKestaLogWatch::watch()
 {
     constexpr std::uint32_t uChanges = IN_CREATE | IN_MODIFY | IN_MOVE;

@@ -6,8 +6,8 @@
 
 /// Standard output, written in large blocks.
 ///
-/// Throws: `CKestaToolError` when it can't be written, `CKestaReaderGone` when nobody reads it any
-/// more.
+/// Throws: `CKestaToolError` when it can't be written, `CKestaReaderGone` when its reader has gone
+/// away.
 class CKestaOutput
 {
 public:
@@ -16,12 +16,12 @@ public:
     /// Adds bytes.
     void write(std::string_view bytes);
 
-    /// Writes what was added so far. What is not flushed is lost.
+    /// Writes what was added so far. Bytes that are never flushed are lost.
     void flush();
 
     static bool isTerminal();
 
-    /// True when the output is a terminal that shows colours, and the user does not object.
+    /// True when the output is a terminal that shows colours, and the user has not disabled them.
     static bool isColoured();
 
 private:

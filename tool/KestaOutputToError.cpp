@@ -8,7 +8,7 @@
 CKestaOutputToError::CKestaOutputToError()
     : m_output(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1))
 {
-    if (m_output.get() >= 0)   // else the way back would be lost
+    if (m_output.get() >= 0)   // otherwise it could not be restored
         dup2(STDERR_FILENO, STDOUT_FILENO);
 }
 

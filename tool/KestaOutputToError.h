@@ -3,8 +3,8 @@
 
 #include "KestaDescriptor.h"
 
-/// While it lives, standard output is standard error: stdout carries only results, which scripts
-/// parse, and the library warns there of a log that it can't open.
+/// While it lives, standard output goes to standard error. Scripts parse standard output, so it
+/// must carry only results; the library's warning about its log goes there, too.
 class CKestaOutputToError
 {
 public:

@@ -13,7 +13,7 @@ bool bShown = false;
 
 void writeToTerminal(const std::string& strText)
 {
-    // A terminal that takes no more text is no reason to stop the work.
+    // If the terminal takes no more text, the work goes on all the same.
     [[maybe_unused]] const ssize_t lWritten = write(STDERR_FILENO, strText.data(), strText.size());
 }
 

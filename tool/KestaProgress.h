@@ -7,8 +7,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Shows how much of a file has been read, once that takes more than a second. Only a terminal's
-/// standard error shows it, and only for files whose size is known; it disappears with the object.
+/// Shows how much of a file has been read, if reading takes more than a second. It is shown on
+/// standard error, if that is a terminal, for files of known size, and disappears with the object.
 class CKestaProgress
 {
 public:
@@ -31,7 +31,7 @@ private:
     const CKestaInput& m_input;
     const std::uint64_t m_ullSize;   // 0: nothing is shown
     std::uint64_t m_ullRead = 0;
-    CClock::time_point m_next;   // when to show it next
+    CClock::time_point m_next;   // the time of the next update
 };
 
 #endif

@@ -33,7 +33,7 @@ std::string endsOf(const CKestaAddressInterval& interval)
                : strFirst + " to " + textOf({interval.bIPv6, interval.last});
 }
 
-// What an IPv4 text means, if that is not what it seems to.
+// What an IPv4 text means, if that is not what it seems to mean.
 std::string explanation(const std::string& strText, const CKestaAddressInterval& interval)
 {
     if (interval.bIPv6)
@@ -56,7 +56,7 @@ std::string explanation(const std::string& strText, const CKestaAddressInterval&
     return "";
 }
 
-// An IPv4 text whose last numbers are stars.
+// The text of an IPv4 address, its last `iStars` parts replaced by stars.
 std::string starForm(KestaIPv6Number address, int iStars)
 {
     std::string strText = textOf({false, address});
@@ -67,7 +67,7 @@ std::string starForm(KestaIPv6Number address, int iStars)
     return strText;
 }
 
-// The range texts that hold just these IPv4 addresses, if they are alike but for one number.
+// The range texts that hold exactly these IPv4 addresses, if they differ in one part only.
 std::string starForms(const CKestaAddressInterval& interval)
 {
     if (interval.first == 0)
@@ -87,14 +87,14 @@ std::string starForms(const CKestaAddressInterval& interval)
     return "several ranges";
 }
 
-// Reads a whole text as an address in its usual form.
+// Reads a whole text as an address in one of the usual forms.
 bool isAddress(const std::string& strText, CKestaAddressNumber& address)
 {
     const char* const pEnd = scanAddress(strText.c_str(), address);
     return pEnd != nullptr && *pEnd == '\0';
 }
 
-// What to write instead of ADDRESS/LENGTH; empty for another text.
+// What to write instead of ADDRESS/LENGTH; empty for any other text.
 std::string insteadOfPrefix(const std::string& strText)
 {
     const std::size_t ulSlash = strText.find('/');
@@ -113,7 +113,7 @@ std::string insteadOfPrefix(const std::string& strText)
     return "IPv4 ranges take no prefix length; write " + starForms(block);
 }
 
-// What to write instead of ADDRESS-ADDRESS; empty for another text.
+// What to write instead of ADDRESS-ADDRESS; empty for any other text.
 std::string insteadOfDash(const std::string& strText)
 {
     const std::size_t ulDash = strText.find('-');

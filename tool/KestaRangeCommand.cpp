@@ -27,7 +27,7 @@
 namespace
 {
 
-/// What is asked of the range, and the answer.
+/// An address or a range that was tested, and the result.
 struct CMember
 {
     std::string strText;
@@ -49,7 +49,7 @@ bool isInside(const KestaIPRange& range, const std::string& strText)
     if (isRange(strText))
         return range.isMember(*readRange(strText));
     const std::unique_ptr<KestaIPAddress> pAddress = readAddressArgument(strText);
-    // The library compares like with like only.
+    // The library does not compare the families.
     const bool bSameFamily = isIPv6(range) == (pAddress->viewSockAddress().ss_family == AF_INET6);
     return bSameFamily && range.isMember(pAddress.get());
 }
@@ -95,14 +95,14 @@ CRangeCommand::CRangeCommand(CLI::App& root)
     : CKestaCommand(
           root, "range", "Describe a range; test addresses and ranges against it",
           "Prints the family of the range, its first and last address, the number and the\n"
-          "class of its addresses, and the shortest list of CIDR blocks that holds just\n"
-          "these; then for each argument whether it is inside. Without arguments the\n"
-          "addresses of this host are tested. Of two ranges, it does not matter which\n"
-          "contains the other.\n\n"
+          "class of its addresses, and the shortest list of CIDR blocks that holds exactly\n"
+          "these addresses; then, for each argument, whether it is inside. Without\n"
+          "arguments the addresses of this host are tested. A range is inside when either\n"
+          "of the two ranges contains the other.\n\n"
           "Ranges: 10.1.2.3, 10.1.*.*, ::ffff:10.1.*.*, 2001:db8::1, 2001:db8:1* and\n"
-          "2001:db8::/32 (the first address of the block). Refused are 0.0.0.0, :: and\n"
-          "excluded classes.\n\n"
-          "Exit status: 0 when something is inside, 1 when nothing is, 2 after an error")
+          "2001:db8::/32 (the first address of the block). 0.0.0.0, :: and addresses of\n"
+          "excluded classes are refused.\n\n"
+          "Exit status: 0 if something is inside, 1 if nothing is, 2 after an error")
 {
     m_app.add_option("TEXT", m_strRange, "The range")->type_name("")->required();
     CLI::Option* const pArguments =
@@ -186,7 +186,7 @@ void CRangeCommand::printAsJson(const KestaIPRange& range, const std::vector<CMe
                {"family", familyOf(*range.getStartAddress())},
                {"start", textOf({interval.bIPv6, interval.first})},
                {"end", textOf({interval.bIPv6, interval.last})},
-               {"addresses", sizeOf(interval)},   // a text: numbers end at 2^53 for many readers
+               {"addresses", sizeOf(interval)},   // a text: many readers lose digits above 2^53
                {"class", classOf(interval)},
                {"blocks", blocksOf(interval)},
                {"asked", m_arguments.empty() ? "host" : "arguments"},

@@ -6,7 +6,7 @@
 #include <string>
 
 /// The ranges of arguments and of files. A text that is not a range is reported on standard error,
-/// and reading goes on, so that a user sees all of them.
+/// and reading continues, so that the user sees all errors at once.
 class CKestaRangeList
 {
 public:
@@ -18,7 +18,7 @@ public:
     /// Throws: `CKestaInputError` when the file can't be read.
     void addFile(const std::string& strPath);
 
-    /// False when some text was not a range.
+    /// False when a text was not a range.
     bool isComplete() const { return m_bComplete; }
 
     /// All ranges, ready to be asked.

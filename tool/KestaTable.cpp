@@ -10,7 +10,7 @@
 namespace
 {
 
-// Of the colours, in their order.
+// The escape sequences of EColour, in its order.
 constexpr const char* colourCodes[] = {"", "\x1b[1m", "\x1b[32m", "\x1b[31m"};
 
 }   // namespace

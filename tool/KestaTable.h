@@ -18,8 +18,7 @@ public:
         bad
     };
 
-    /// Adds a row, which is shown in its colour where the output shows colours. Cells are made
-    /// printable.
+    /// Adds a row, which is coloured if the output shows colours. Its cells are made printable.
     void add(EColour eColour, const std::vector<std::string>& cells);
 
     void print(CKestaOutput& output) const;

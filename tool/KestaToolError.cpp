@@ -11,7 +11,7 @@ void report(const std::string& strMessage)
 {
     const std::string strLine = "kesta: " + printable(strMessage) + "\n";
     CKestaProgress::hide();
-    // Where standard error fails, there is no place left to say so.
+    // If standard error fails, there is nowhere left to say so.
     [[maybe_unused]] const ssize_t lWritten = write(STDERR_FILENO, strLine.data(), strLine.size());
 }
 

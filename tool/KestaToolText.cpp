@@ -6,8 +6,8 @@
 namespace
 {
 
-// The length of the UTF-8 character that a text begins with; 0 when it begins with none, or with a
-// control character. Terminals obey also those from U+0080 to U+009F.
+// The length of the UTF-8 character at the start of a text; 0 when there is none, or a control
+// character. Terminals also obey those from U+0080 to U+009F.
 std::size_t characterLength(std::string_view text)
 {
     const auto byteAt = [text](std::size_t ul)

@@ -4,17 +4,17 @@
 #include <string>
 #include <string_view>
 
-/// A text with everything that a terminal would act on, and every byte that is not of UTF-8,
-/// written as \x and two digits; except for the `kept` ones.
+/// A text in which every character that a terminal would act on, and every byte that is not UTF-8,
+/// is written as \x and two digits, except for the characters in `kept`.
 std::string printable(std::string_view text, std::string_view kept = {});
 
-/// A text between single quotes.
+/// A text in single quotes.
 std::string inQuotes(std::string_view text);
 
 /// A text without the white space around it.
 std::string_view withoutBlanks(std::string_view text);
 
-/// The mark that some editors put at the start of a file.
+/// The byte-order mark of UTF-8, which some editors put at the start of a file.
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 #endif

@@ -8,8 +8,8 @@
 namespace
 {
 
-// A standard file that was closed would lend its number to the next file that is opened, and the
-// result could end up in the trace log. What takes its place fails as a closed file does.
+// The number of a closed standard file would go to the next file that is opened, and the result
+// could end up in the trace log. What takes its place here fails as a closed file does.
 void occupyStandardFiles()
 {
     for (int iFile = STDIN_FILENO; iFile <= STDERR_FILENO; ++iFile)
@@ -24,7 +24,7 @@ void occupyStandardFiles()
 int main(int argc, char** argv)
 {
     occupyStandardFiles();
-    // A write that can't be done fails, instead of ending the process within an entry.
+    // A write that is not possible fails, instead of ending the process within an entry.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     return runKesta(argc, argv);
