@@ -133,7 +133,7 @@ public:
     /// The days from the other date to this one, rounded: a whole number.
     ///
     /// Not for going back: `date - 30` compiles, but is the difference to the date of the time
-    /// value 30, which is in 1970. See `+` for going back.
+    /// value 30, half a minute after the epoch. See `+` for going back.
     double operator-(const CKestaDate& other) const;
 
     /// The date that many days later. The sum wraps, so a negative number converted to unsigned
