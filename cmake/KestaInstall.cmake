@@ -15,8 +15,8 @@ install(FILES
   ${PROJECT_BINARY_DIR}/KestaConfig.cmake ${PROJECT_BINARY_DIR}/KestaConfigVersion.cmake
   DESTINATION ${KESTA_CMAKE_DIR})
 
-# Both the CMake package and kesta.pc find the installation relative to themselves, so it may be
-# moved as a whole.
+# The CMake package and kesta.pc locate the installation relative to themselves, so it can be moved as
+# a whole.
 file(RELATIVE_PATH KESTA_PC_PREFIX
   /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 string(REGEX REPLACE "/$" "" KESTA_PC_PREFIX "${KESTA_PC_PREFIX}")
@@ -24,7 +24,7 @@ configure_file(${PROJECT_SOURCE_DIR}/cmake/kesta.pc.in ${PROJECT_BINARY_DIR}/kes
 install(FILES ${PROJECT_BINARY_DIR}/kesta.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 if(KESTA_BUILD_TOOL)
-  # The tool finds the library beside itself, wherever the prefix is; below /usr the system does.
+  # The tool finds the library relative to itself, wherever the prefix is; below /usr the system does.
   if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
     file(RELATIVE_PATH KESTA_LIB_FROM_BIN
       /prefix/${CMAKE_INSTALL_BINDIR} /prefix/${CMAKE_INSTALL_LIBDIR})
@@ -37,5 +37,5 @@ if(KESTA_BUILD_TOOL)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/KestaDebug.ini.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
 endif()
 
-# A sample only: a host puts its own into conf/ below its installation directory.
+# Only a sample: a host puts its own into conf/ below its installation directory.
 install(FILES ${PROJECT_SOURCE_DIR}/conf/KestaDebug.ini DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -1,7 +1,7 @@
-# What Doxygen reads of a file: awk -f docs/filter.awk README.md FILE. With groups=1 and README.md
-# alone, the groups of the reference, one for each row of the README's table of headers.
+# Prepares a file for Doxygen: awk -f docs/filter.awk README.md FILE. With groups=1 and only README.md,
+# prints the groups of the reference, one for each row of the README's table of headers.
 
-# What names the page of a file, and a place in it.
+# The names of the page of a file, and of a place in it.
 function page(file) {
     sub(/.*\//, "", file)
     sub(/\.md$/, "", file)
@@ -13,7 +13,7 @@ function place(heading) {
     gsub(/ /, "-", heading)
     return heading
 }
-# Puts text in place of what was matched last.
+# Replaces the last match by a text.
 function put(text) {
     $0 = substr($0, 1, RSTART - 1) text substr($0, RSTART + RLENGTH)
 }
@@ -32,7 +32,7 @@ NR == FNR && /^\| `Kesta[A-Za-z0-9]+\.h`/ {
 }
 NR == FNR { next }
 
-# A header belongs to its group as a whole. The blank line after its guard has room to say so.
+# A whole header belongs to its group. The blank line after the include guard is used to say so.
 FNR == 1 {
     header = FILENAME
     sub(/.*\//, "", header)
@@ -41,7 +41,7 @@ header in group && !opened && /^$/ {
     opened = 1
     $0 = "/** @addtogroup " group[header] " */ /** @{ */"
 }
-# Copying as the language does it needs no words; nor does what macros hide.
+# Default copying needs no documentation; nor do macros that hide functions.
 /^ +[^(]*\(const [A-Za-z0-9_]+& [a-zA-Z]+\) = default;( *\/\/.*)?$/ { $0 = "" }
 header in group && /^#define [A-Z0-9_]+\(/ { $0 = "" }
 # Members without a blank line between them share the comment of the first.
@@ -63,7 +63,7 @@ FILENAME ~ /\.md$/ && !code {
         split(substr($0, RSTART + 2, RLENGTH - 3), link, "#")
         put("](@ref " page(link[1] ? link[1] : FILENAME) "-" link[2] ")")
     }
-    # Links to what only the site shows as a page.
+    # Links to files that only the site shows as pages.
     gsub(/\]\((\.\.\/)?examples\/?\)/, "](@ref examples)")
     gsub(/\]\((docs\/)?kesta\.1\)/, "](@ref man_kesta_1)")
     gsub(/\]\((docs\/)?KestaDebug\.ini\.5\)/, "](@ref man_KestaDebug_ini_5)")
