@@ -37,16 +37,16 @@ extern "C"   // which its header forgets
 namespace
 {
 
-// What is asked, of everybody alike. Most addresses are one step inside or outside of an end, so
+// The questions, the same for everybody. Most addresses are one step inside or outside an end, so
 // that no test can decide early.
 
 struct RangeText
 {
     const char* ours;
-    const char* prefix;   // the same for those who know prefixes only
+    const char* prefix;   // the same for peers that read only prefixes
 };
 
-/// A range that is made of a text, and which of the family's addresses it holds.
+/// A range that is made from a text, and which of the family's addresses it holds.
 struct Making
 {
     RangeText range;
@@ -97,8 +97,8 @@ std::vector<bool> firstHalf(std::size_t count)
     return answers;
 }
 
-// Those who do the work. Each gives its types of an address and a range, makes them of a text, and
-// tells whether a range holds an address and whether one of two ranges holds the other.
+// The contenders. Each has its types of an address and a range, makes them from a text, and tests
+// whether a range holds an address and whether one of two ranges holds the other.
 
 template <class KestaAddress>
 struct Kesta
@@ -131,7 +131,7 @@ struct Prefixed
 typedef std::array<unsigned char, 4> Bytes4;
 typedef std::array<unsigned char, 16> Bytes16;
 
-// The bytes of an address, loaded as machines compare them: the first weighs most.
+// The bytes of an address as a number, the first byte most significant.
 std::uint32_t number(const Bytes4& bytes)
 {
     std::uint32_t word;
@@ -196,7 +196,7 @@ bool asioHolds(const Network& network, const Network& other)
     return network == other || other.is_subnet_of(network) || network.is_subnet_of(other);
 }
 
-// A network of Asio has no test of its own for addresses: its users write one.
+// Asio's networks have no test for addresses: their users write one.
 struct AsioV4 : Prefixed
 {
     static constexpr char name[] = "Asio";
@@ -230,7 +230,7 @@ struct AsioV6 : Prefixed
     static bool holds(const Range& range, const Range& other) { return asioHolds(range, other); }
 };
 
-// Both ends of a single address, each read from the text.
+// A single address read twice, once for each end of a range.
 template <class Asio>
 struct AsioTwice : Asio
 {
@@ -273,8 +273,8 @@ struct AsioCodeV6 : AsioV6
     }
 };
 
-// Who asks for many addresses makes a range of addresses once, which can look them up. The hosts of
-// an IPv4 network would leave out both ends.
+// To test many addresses, its users make an address range once and look the addresses up in it. An
+// IPv4 network's hosts() would leave out both ends.
 struct AsioAddressesV4 : AsioV4
 {
     typedef boost::asio::ip::address_v4_range Range;
@@ -373,7 +373,7 @@ struct Poco_ : Prefixed
     }
 };
 
-// Told the family, it takes a wrong text for 0.0.0.0; left to find the family, it refuses.
+// Given the family, it reads a wrong text as 0.0.0.0; without it, it refuses the text.
 struct PocoRefusing : Prefixed
 {
     static constexpr char name[] = "POCO";
@@ -386,7 +386,7 @@ struct PocoRefusing : Prefixed
 };
 #endif
 
-/// The works of a family.
+/// The measurements of a family.
 class FamilyWork
 {
 public:
@@ -440,7 +440,7 @@ public:
             make<Who>(m_makings[i], m_family.makings[i].range);
     }
 
-    // Who makes nothing but single addresses.
+    // For contenders that make only single addresses.
     template <class Who>
     void makeSingle() const
     {

@@ -9,11 +9,11 @@
 
 #include <benchmark/benchmark.h>
 
-// What the modules of this program share. A measurement is named "<work>|<who>": who is "kesta", a
-// peer, or "floor", the least that the machine can do the work with. table.py makes the lines of
-// its table of these names.
+// What the sources of this program share. A measurement is named "<work>|<who>": who is "kesta", a
+// peer, or "floor", the least that the machine needs for the work. table.py makes the lines of its
+// table from these names.
 
-/// Ends the run: the two don't do the same work, so there is nothing to compare.
+/// Ends the run: this contender does not do the same work, so there is nothing to compare.
 [[noreturn]] inline void disagree(const std::string& work, const std::string& who)
 {
     std::fprintf(stderr, "kesta_bench: %s: %s does not give the expected answer\n", work.c_str(),
@@ -21,7 +21,7 @@
     std::exit(1);
 }
 
-/// Adds a measurement whose preparation is its own. `items` is what the time is divided by.
+/// Adds a measurement that prepares itself. The time is divided by `items`.
 template <class Loop>
 auto* measure(const std::string& work, const std::string& who, Loop loop, std::size_t items = 1)
 {
@@ -33,8 +33,8 @@ auto* measure(const std::string& work, const std::string& who, Loop loop, std::s
                                         });
 }
 
-/// The same work, done by several. Each one's answers are compared with the expected ones before
-/// anything is measured: nobody is fast by doing less.
+/// The same work, done by several contenders. Their answers are compared with the expected ones
+/// before anything is measured: nobody is fast by doing less.
 template <class Answer>
 class Work
 {

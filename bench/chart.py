@@ -3,8 +3,8 @@
 
 usage: chart.py OUTCOME.json CHART.svg
 
-Each line is a work, from the same medians as the tables: the time of ours and those of its peers,
-on a logarithmic scale.
+Each line is a work: the library's time and those of its peers, on a logarithmic scale. They are the
+medians of the tables.
 """
 import math
 import re

@@ -90,8 +90,8 @@ Day dayOf(const date::year_month_day& date)
 
 void addDateWork()
 {
-    // A zone with daylight-saving time. A zone of this form costs no look at a file for each date,
-    // which would hide what else is done.
+    // A zone with daylight-saving time, in a form that needs no look at a file for each date, which
+    // would hide the rest of the work.
     setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
     tzset();
 

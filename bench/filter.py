@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Sets `kesta filter` against grepcidr, as whole processes, on a million lines of each family.
+"""Compares `kesta filter` with grepcidr, as whole processes, on a million lines of each family.
 
 usage: filter.py KESTA [LINES]
 
 Both select lines by the address at their start, and must select the same ones. They run in turn;
-the times are medians of what the process and its start and end take on the clock.
+the times are medians of elapsed time, starting and ending the process included.
 """
 import ipaddress
 import os
@@ -28,7 +28,7 @@ FAMILIES = [
 
 
 def generate(path, networks, lines):
-    """Lines as an access log has them; a fixed seed makes the same ones each time."""
+    """Lines like those of an access log; a fixed seed makes the same ones each time."""
     chance = random.Random(1)
     networks = [ipaddress.ip_network(network) for network in networks]
     bits = networks[0].max_prefixlen
@@ -42,7 +42,7 @@ def generate(path, networks, lines):
 
 
 def many_ranges(directory):
-    """100,000 ranges of 256 addresses, in files as each of the two reads them."""
+    """100,000 ranges of 256 addresses, in a file for each of the two."""
     chance = random.Random(2)
     networks = [f"{chance.randrange(1, 224)}.{chance.randrange(256)}.{chance.randrange(256)}."
                 for _ in range(100000)]

@@ -8,8 +8,8 @@
 namespace
 {
 
-// The program itself is linked with the library, and loading that again would cost nothing. A copy
-// of the file is another library to the loader.
+// The program is linked with the library, so loading that again would cost nothing. To the loader,
+// a copy of the file is another library.
 std::filesystem::path copied(const std::filesystem::path& library)
 {
     const auto copy = std::filesystem::temp_directory_path() /

@@ -1,7 +1,7 @@
 #include "bench.h"
 
-// Compares this library with its peers. scripts/bench runs it and makes a table of the outcome; by
-// itself it takes the options of Google Benchmark.
+// Compares this library with its peers. scripts/bench runs it and makes tables of its outcome. It
+// takes the options of Google Benchmark.
 int main(int argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);

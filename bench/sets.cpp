@@ -93,14 +93,14 @@ struct IPv6
     }
 };
 
-// ---- The ranges, and what is asked of them ----
+// ---- The ranges, and the addresses that are looked up ----
 
 std::uint32_t anyAddress(std::mt19937& chance)   // of 1.0.0.0 to 223.255.255.255
 {
     return std::uniform_int_distribution<std::uint32_t>(0x01000000, 0xDFFFFFFF)(chance);
 }
 
-/// As they come, in random order: so many different blocks of 256 addresses ...
+/// Different blocks of 256 addresses, in random order ...
 std::vector<Block> blocksApart(std::size_t count, std::mt19937& chance)
 {
     std::vector<std::uint32_t> firsts;
@@ -118,7 +118,7 @@ std::vector<Block> blocksApart(std::size_t count, std::mt19937& chance)
     return blocks;
 }
 
-/// ... or large, middling and single ones, of which some lie in others.
+/// ... or blocks of 65536, 256 and 1 addresses, some of which lie in others.
 std::vector<Block> blocksNested(std::size_t count, std::mt19937& chance)
 {
     std::vector<Block> blocks;
@@ -133,7 +133,7 @@ std::vector<Block> blocksNested(std::size_t count, std::mt19937& chance)
     return blocks;
 }
 
-/// Half of what is asked lies in a range, the rest anywhere.
+/// Half of the addresses lie in a range, the rest anywhere.
 std::vector<std::uint32_t> askedOf(const std::vector<Block>& blocks, std::mt19937& chance)
 {
     std::vector<std::uint32_t> asked;
@@ -146,7 +146,7 @@ std::vector<std::uint32_t> askedOf(const std::vector<Block>& blocks, std::mt1993
     return asked;
 }
 
-// ---- Those who do the work: they take blocks over, make themselves ready, and are asked ----
+// ---- The contenders: they take blocks, build their sets, and look addresses up ----
 
 template <class Family>
 class KestaSet
@@ -163,7 +163,7 @@ private:
     KestaIPRangeSet m_set;
 };
 
-/// What all peers take over: the first and the last number of each range.
+/// What all peers take: the first and the last number of each range.
 template <class Family>
 class Numbers
 {
@@ -300,7 +300,7 @@ double heapBytes()
     return static_cast<double>(info.uordblks) + static_cast<double>(info.hblkhd);
 }
 
-/// Some ranges, and the rows about them. Made when the first of the rows is measured.
+/// Some ranges, and the rows about them. They are made when the first of these rows is measured.
 template <class Family>
 class SetWork : public std::enable_shared_from_this<SetWork<Family>>
 {
@@ -313,7 +313,7 @@ public:
     {
     }
 
-    // Taking the ranges over is not part of it. A few builds a repetition are enough.
+    // Taking the ranges is not measured. A few builds per repetition are enough.
     template <class Set>
     void build()
     {

@@ -11,7 +11,7 @@ import json
 import re
 import sys
 
-# (work, beside whom, what the ratio may be at most); beside "ns" it is the time itself.
+# (work, contender, the largest ratio that is good); for "ns" it is the time itself.
 AIMS = [
     (r"trace call, tracing off", "ns", 1),
     (r"trace call, tracing off", "spdlog", 2),
@@ -42,7 +42,7 @@ AIMS = [
     (r"date .*", "floor", 1.1),
 ]
 
-# The same for the bytes that a range takes in a set.
+# The same for the bytes per range in a set.
 BYTE_AIMS = [
     (r".* IPv4.*", "bytes", 32),
     (r".* IPv6.*", "bytes", 64),
@@ -50,8 +50,8 @@ BYTE_AIMS = [
 
 
 def medians(path):
-    """Two of {work: {who: figure}}, in the order of the program: the nanoseconds an item, and the
-    bytes that a range takes."""
+    """Two dictionaries {work: {who: figure}}, in the order of the program: nanoseconds per item, and
+    bytes per range."""
     times, sizes = {}, {}
     with open(path) as file:
         measurements = json.load(file)["benchmarks"]

@@ -23,7 +23,7 @@ std::string repeated(const std::string& text, std::size_t count)
     return result;
 }
 
-// What walking over the fields of a text yields: enough to show that everyone saw the same ones.
+// The result of a walk over the fields of a text: enough to show that everyone saw the same ones.
 struct Fields
 {
     std::size_t count = 0;
@@ -92,7 +92,7 @@ Fields abseilFields(const std::string& text)
     return fields;
 }
 
-// All pieces in strings of their own, which is the shortest to write.
+// Each piece in a string of its own, which is the shortest to write.
 Fields abseilVectorFields(const std::string& text)
 {
     Fields fields;
@@ -159,8 +159,8 @@ void addCounting(const std::string& size, const std::string& text)
 #endif
 }
 
-// Both of ours change their text, so each time a copy is made of it first, by everybody alike; the
-// second copy, which ours return, is part of them.
+// Both of our operations change the text, so everybody first makes a copy of it. The second copy,
+// which our operations return, is part of their time.
 void addStripping(const std::string& size, const std::string& text)
 {
     const Work<std::string> trimming("copy and trim, " + size, {barelyTrimmed(text)});

@@ -64,7 +64,7 @@ private:
     std::filesystem::path m_directory;
 };
 
-// Outlives main, as the measurements do that are registered with it.
+// Outlives main, because the measurements that use it do.
 const Installation& installation()
 {
     static const Installation instance;

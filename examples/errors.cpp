@@ -1,4 +1,4 @@
-// How failures reach a host, and what it can do with them: the error objects and their catalogue.
+// How failures reach a host, and what it can do with them: error objects and their catalogue.
 
 #include "KestaDebug.h"
 #include "KestaException.h"
@@ -24,7 +24,7 @@ void attempt(const char* name, Work work)
     {
         work();
     }
-    catch (const CKestaExc_ArrayOutOfBound&)   // some are told by their type alone
+    catch (const CKestaExc_ArrayOutOfBound&)   // some are recognised by their type
     {
         std::cout << name << ": past the end\n";
     }
@@ -50,7 +50,7 @@ int main()
     attempt("walk", [&ports] { ports.getNext(); });
 
     CKestaExc exc("start-up failed");
-    exc.SetErrorMessage("no settings");   // completed on its way
+    exc.SetErrorMessage("no settings");   // appends to the message
     std::cout << exc;
 
     char text[512];

@@ -1,6 +1,6 @@
-// A host that brings its own installation: the two directories, the trace level, and a cipher for
-// the log. The program makes the installation in a temporary directory, traces into it, and reads
-// it back.
+// A host with its own installation: the two directories, the trace level, and a cipher for the log.
+// The program makes the installation in a temporary directory, traces into it, and reads the log
+// back.
 
 #include "KestaEntry.h"
 #include "KestaHostSetup.h"
@@ -14,7 +14,7 @@
 namespace
 {
 
-// Stands for a real cipher, which this is not. It is its own inverse.
+// A placeholder for a real cipher. It is its own inverse.
 std::string cipher(const std::string& line)
 {
     std::string result(line);
@@ -43,15 +43,15 @@ int main()
         << "[DEBUGINFORMATION]\nDEBUG=Y\nDEBUGLEVEL=2\nDEBUGSIZE=500\n";
 
     const std::string here = home.string() + "/";
-    CKestaHostSetup::setParameter(CKestaHostSetup::KESTA_INSTALLED_DIR, here);   // of conf/
-    CKestaHostSetup::setParameter(CKestaHostSetup::KESTA_DATA_DIR, here);        // of log/
+    CKestaHostSetup::setParameter(CKestaHostSetup::KESTA_INSTALLED_DIR, here);   // contains conf/
+    CKestaHostSetup::setParameter(CKestaHostSetup::KESTA_DATA_DIR, here);        // contains log/
     CKestaHostSetup::setLineCipher(cipher);
     work();
 
     std::ifstream log(home / "log" / "KestaDebug_C.log", std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(log), {}};
     std::cout << bytes.size() << " bytes\n";
-    // FE FF, then each line in its enciphered form, closed by 00 0A.
+    // FE FF, then each line in its enciphered form, followed by 00 0A.
     const std::string lineEnd("\0\n", 2);
     for (std::size_t from = 2, to; (to = bytes.find(lineEnd, from)) != std::string::npos;
          from = to + 2)

@@ -1,6 +1,6 @@
-// A service that lets peers in by a list of ranges, one a line, which it reads from a file. Its
-// socket takes IPv6 and IPv4 alike, so an IPv4 peer shows up as an IPv4-mapped address: it is asked
-// for as its IPv4 part, and every other address as what it is.
+// A service that lets peers in by a list of ranges, which it reads from a file, one per line. Its
+// socket accepts both IPv6 and IPv4, so an IPv4 peer has an IPv4-mapped address: the service looks
+// up its IPv4 part, and every other address as it is.
 
 #include "KestaException.h"
 #include "KestaIPRangeSet.h"
@@ -60,7 +60,7 @@ private:
     std::vector<std::string> m_rules;   // in the order of the ranges
 };
 
-// Stands for what accept() tells of a peer. A text that is no address throws.
+// Stands for the address that accept() gives of a peer. A text that is not an address throws.
 in6_addr peerOf(const std::string& text)
 {
     const KestaIPv6Address address(text);

@@ -1,5 +1,5 @@
-// The library's typical request: which addresses lie inside a range? The arguments name them;
-// without any, they are this host's own that may be used.
+// The library's typical request: which addresses lie inside a range? They are given as arguments;
+// without arguments, they are the host's own addresses that the filter keeps.
 
 #include "KestaEntry.h"
 #include "KestaException.h"
