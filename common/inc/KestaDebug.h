@@ -134,9 +134,10 @@ public:
                         std::string_view message, int iLevel);
 
     /// What `KESTA_DEBUG1` and `KESTA_DEBUG2` do with a line that is to be traced: makes texts of
-    /// the arguments and writes the line.
+    /// the arguments and writes the line. Never inlined, so that only the test before it is.
     template <class TSource, class TMessage>
-    static void trace(const TSource& source, const TMessage& message, int iLevel)
+    [[gnu::cold, gnu::noinline]] static void trace(const TSource& source, const TMessage& message,
+                                                   int iLevel)
     {
         logText("MSG", textOf(source), textOf(message), iLevel);
     }

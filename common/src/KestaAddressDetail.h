@@ -71,9 +71,16 @@ inline KestaIPv6Number hostBits(int iPrefixLength)
     return allBits >> std::max(iPrefixLength, 0);
 }
 
-/// Writes the lines that reading a text of all zeros or all ones would trace. They are fixed, but
-/// no such text is read.
-inline void traceFixedIPv6Text()
+/// Writes the lines that reading a text traces, where its number is known already. They are fixed,
+/// although nothing is read.
+inline void traceIPv4Reading()
+{
+    KESTA_DEBUG1("In KestaIPUtilities::convertIPv4StringToAddress() ", iTraceLevel);
+    KESTA_DEBUG1("Out KestaIPUtilities::convertIPv4StringToAddress ", iTraceLevel);
+}
+
+/// The same for IPv6.
+inline void traceIPv6Reading()
 {
     KESTA_DEBUG1("In KestaIPUtilities::convertIPv6StringToAddress()", iTraceLevel);
     KESTA_DEBUG1("Out KestaIPUtilities::convertIPv6StringToAddress()", iTraceLevel);
