@@ -6,13 +6,13 @@
 
 CKestaAddressInterval intervalOf(const KestaIPRange& range)
 {
-    const CKestaAddressNumber first = numberOf(*range.getStartAddress());
+    const CKestaAddress first = numberOf(*range.getStartAddress());
     return {first.bIPv6, first.number, numberOf(*range.getEndAddress()).number};
 }
 
 CKestaAddressInterval intervalOf(const KestaIPAddress& address)
 {
-    const CKestaAddressNumber number = numberOf(address);
+    const CKestaAddress number = numberOf(address);
     return {number.bIPv6, number.number, number.number};
 }
 

@@ -8,16 +8,6 @@
 namespace
 {
 
-const in_addr& ipv4Of(const KestaIPAddress& address)
-{
-    return reinterpret_cast<const sockaddr_in&>(address.viewSockAddress()).sin_addr;
-}
-
-const in6_addr& ipv6Of(const KestaIPAddress& address)
-{
-    return reinterpret_cast<const sockaddr_in6&>(address.viewSockAddress()).sin6_addr;
-}
-
 bool isIPv6(const KestaIPAddress& address)
 {
     return address.viewSockAddress().ss_family == AF_INET6;
@@ -25,7 +15,7 @@ bool isIPv6(const KestaIPAddress& address)
 
 }   // namespace
 
-const char* scanAddress(const char* pText, CKestaAddressNumber& address)
+const char* scanAddress(const char* pText, CKestaAddress& address)
 {
     KestaIPv4Number ipv4 = 0;
     const char* const pEnd = CKestaAddressCodec::scanIPv4(pText, ipv4);
@@ -33,7 +23,7 @@ const char* scanAddress(const char* pText, CKestaAddressNumber& address)
     return pEnd != nullptr ? pEnd : CKestaAddressCodec::scanIPv6(pText, address.number);
 }
 
-bool readAddress(std::string_view text, CKestaAddressNumber& address)
+bool readAddress(std::string_view text, CKestaAddress& address)
 {
     const std::string strText(text);
     if (text.find('\0') != std::string_view::npos)
@@ -47,14 +37,15 @@ bool readAddress(std::string_view text, CKestaAddressNumber& address)
     return bRead;
 }
 
-CKestaAddressNumber numberOf(const KestaIPAddress& address)
+CKestaAddress numberOf(const KestaIPAddress& address)
 {
+    const sockaddr_storage& storage = address.viewSockAddress();
     if (isIPv6(address))
-        return {true, KestaAddressNumber::of(ipv6Of(address))};
-    return {false, KestaAddressNumber::of(ipv4Of(address))};
+        return {true, KestaAddressNumber::in<KestaIPv6Number>(storage)};
+    return {false, KestaAddressNumber::in<KestaIPv4Number>(storage)};
 }
 
-std::string textOf(const CKestaAddressNumber& address)
+std::string textOf(const CKestaAddress& address)
 {
     char szIPv4[INET_ADDRSTRLEN];
     char szIPv6[INET6_ADDRSTRLEN];

@@ -7,8 +7,9 @@
 #include <string>
 #include <string_view>
 
-/// An address as a number, its first byte the most significant.
-struct CKestaAddressNumber
+/// An address of either family, as a number whose most significant byte is the first of the
+/// address.
+struct CKestaAddress
 {
     bool bIPv6 = false;
     KestaIPv6Number number = 0;
@@ -17,17 +18,17 @@ struct CKestaAddressNumber
 /// Reads an address in one of the usual forms at the start of a text, whatever follows: no copy, no
 /// system call. Returns the end of the address, or null for another text, which may still be an
 /// address (fall back to readAddress).
-const char* scanAddress(const char* pText, CKestaAddressNumber& address);
+const char* scanAddress(const char* pText, CKestaAddress& address);
 
 /// Reads an address in any form that the library's address classes read; one that holds a ":" is an
 /// IPv6 address.
-bool readAddress(std::string_view text, CKestaAddressNumber& address);
+bool readAddress(std::string_view text, CKestaAddress& address);
 
 /// The number of an address value.
-CKestaAddressNumber numberOf(const KestaIPAddress& address);
+CKestaAddress numberOf(const KestaIPAddress& address);
 
 /// An address in its usual form.
-std::string textOf(const CKestaAddressNumber& address);
+std::string textOf(const CKestaAddress& address);
 
 /// The same for an address value, whatever text it was made from.
 std::string textOf(const KestaIPAddress& address);

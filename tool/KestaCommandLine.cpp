@@ -86,8 +86,8 @@ public:
             output.write(helpOf(m_strHelp));
             return nullptr;
         }
-        setDirectory("--installed-dir", 1, m_strInstalledDir);
-        setDirectory("--data-dir", 2, m_strDataDir);
+        setDirectory("--installed-dir", CKestaHostSetup::KESTA_INSTALLED_DIR, m_strInstalledDir);
+        setDirectory("--data-dir", CKestaHostSetup::KESTA_DATA_DIR, m_strDataDir);
         return chosenCommand();
     }
 
@@ -183,8 +183,9 @@ private:
         if (strDirectory.back() != '/')
             strDirectory += '/';
         if (!CKestaHostSetup::setParameter(iParameter, strDirectory))
-            throw CKestaToolError(std::string(pszOption) +
-                                  ": directory is longer than 2047 bytes, its last \"/\" included");
+            throw CKestaToolError(std::string(pszOption) + ": directory is longer than " +
+                                  std::to_string(CKestaHostSetup::KESTA_LONGEST_PARAMETER) +
+                                  " bytes, its last \"/\" included");
     }
 
     // There is always one: without it, parsing fails.

@@ -145,7 +145,7 @@ void CKestaFilterScanner::beginLine(std::string_view bytes)
 bool CKestaFilterScanner::judgeLine(const char* pLine, const char* pLimit, const char** ppStop)
 {
     ++m_ullLine;
-    CKestaAddressNumber address;
+    CKestaAddress address;
     const char* const pAddressEnd = scanAddress(pLine, address);
     if (pAddressEnd != nullptr && endsAddress(*pAddressEnd))
     {
@@ -161,14 +161,14 @@ bool CKestaFilterScanner::judgeSlowly(std::string_view line)
 {
     const auto itEnd = std::find_if(line.begin(), line.end(), &endsAddress);
     const std::string_view text = line.substr(0, static_cast<std::size_t>(itEnd - line.begin()));
-    CKestaAddressNumber address;
+    CKestaAddress address;
     if (text.size() < ulLongestStart && readAddress(text, address))
         return isSelected(address);
     m_sink.unreadable(m_ullLine, text);
     return false;
 }
 
-bool CKestaFilterScanner::isSelected(const CKestaAddressNumber& address)
+bool CKestaFilterScanner::isSelected(const CKestaAddress& address)
 {
     const bool bAsIPv4 = !address.bIPv6 || (m_bMapped && address.number >> 32 == 0xFFFF);
     const bool bInside = bAsIPv4 ? m_set.isMember(KestaAddressNumber::toIPv4(

@@ -59,7 +59,7 @@ private:
     void beginLine(std::string_view bytes);
     bool judgeLine(const char* pLine, const char* pLimit, const char** ppStop);
     bool judgeSlowly(std::string_view line);
-    bool isSelected(const CKestaAddressNumber& address);
+    bool isSelected(const CKestaAddress& address);
 
     const KestaIPRangeSet& m_set;
     const bool m_bInvert;

@@ -56,7 +56,7 @@ struct CHost
 
 std::string hostName()
 {
-    char szName[1024];   // as the library asks for
+    char szName[KestaIPUtilities::KESTA_HOST_NAME_SIZE];
     if (KestaIPUtilities::queryHostName(szName) != 0)
         throw CKestaToolError(systemError("cannot determine the host name", errno));
     return szName;

@@ -19,7 +19,6 @@ namespace
 CKestaCheckedVariable checkVariable(const char* pszName, int iParameter)
 {
     typedef CKestaCheckedVariable::EState EState;
-    constexpr std::size_t ulLongest = 2047;
     const char* const pszValue = std::getenv(pszName);
     if (pszValue == nullptr)
         return {pszName, "", EState::notSet};
@@ -31,7 +30,7 @@ CKestaCheckedVariable checkVariable(const char* pszName, int iParameter)
         eState = EState::used;
     else if (secure_getenv(pszName) == nullptr)
         eState = EState::privileged;
-    else if (strValue.size() > ulLongest)
+    else if (strValue.size() > CKestaHostSetup::KESTA_LONGEST_PARAMETER)
         eState = EState::tooLong;
     return {pszName, strValue, eState};
 }

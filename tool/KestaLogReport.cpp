@@ -1,6 +1,7 @@
 #include "KestaLogReport.h"
 
 #include "KestaFileFacts.h"
+#include "KestaHostSetup.h"
 #include "KestaJson.h"
 #include "KestaLogFacts.h"
 #include "KestaLogVerdict.h"
@@ -39,7 +40,8 @@ std::string stateOf(const CKestaCheckedVariable& variable)
     case CKestaCheckedVariable::EState::replaced:
         return "ignored, an option overrides it";
     case CKestaCheckedVariable::EState::tooLong:
-        return "ignored, longer than 2047 bytes";
+        return "ignored, longer than " + std::to_string(CKestaHostSetup::KESTA_LONGEST_PARAMETER) +
+               " bytes";
     default:
         return "ignored, the process has raised privileges";
     }

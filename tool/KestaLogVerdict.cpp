@@ -1,6 +1,7 @@
 #include "KestaLogVerdict.h"
 
 #include "KestaFileFacts.h"
+#include "KestaHostSetup.h"
 #include "KestaLogFacts.h"
 #include "KestaToolError.h"
 #include "KestaToolText.h"
@@ -50,7 +51,8 @@ CKestaFinding missingConfiguration(const CKestaLogFacts& facts)
                 "set " + variable.strName + " to the installation directory"};
     case CKestaCheckedVariable::EState::tooLong:
         return {strWhat + ", and " + variable.strName + " is too long and therefore ignored",
-                "shorten it to at most 2047 bytes"};
+                "shorten it to at most " +
+                    std::to_string(CKestaHostSetup::KESTA_LONGEST_PARAMETER) + " bytes"};
     case CKestaCheckedVariable::EState::privileged:
         return {strWhat + ", and " + variable.strName +
                     " is ignored because the process has raised privileges",

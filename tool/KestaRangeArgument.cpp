@@ -88,7 +88,7 @@ std::string starForms(const CKestaAddressInterval& interval)
 }
 
 // Reads a whole text as an address in one of the usual forms.
-bool isAddress(const std::string& strText, CKestaAddressNumber& address)
+bool isAddress(const std::string& strText, CKestaAddress& address)
 {
     const char* const pEnd = scanAddress(strText.c_str(), address);
     return pEnd != nullptr && *pEnd == '\0';
@@ -98,7 +98,7 @@ bool isAddress(const std::string& strText, CKestaAddressNumber& address)
 std::string insteadOfPrefix(const std::string& strText)
 {
     const std::size_t ulSlash = strText.find('/');
-    CKestaAddressNumber address;
+    CKestaAddress address;
     if (ulSlash == std::string::npos || !isAddress(strText.substr(0, ulSlash), address))
         return "";
     long lLength = 0;
@@ -117,8 +117,8 @@ std::string insteadOfPrefix(const std::string& strText)
 std::string insteadOfDash(const std::string& strText)
 {
     const std::size_t ulDash = strText.find('-');
-    CKestaAddressNumber first;
-    CKestaAddressNumber last;
+    CKestaAddress first;
+    CKestaAddress last;
     if (ulDash == std::string::npos || !isAddress(strText.substr(0, ulDash), first) ||
         !isAddress(strText.substr(ulDash + 1), last) || first.bIPv6 != last.bIPv6 ||
         first.number > last.number)

@@ -4,6 +4,7 @@
 #include "KestaExport.h"
 #include "KestaString.h"
 
+#include <cstddef>
 #include <string>
 
 /// What the host tells the library about its installation: two directories, and the cipher of its
@@ -27,15 +28,18 @@ public:
     static constexpr int KESTA_INSTALLED_DIR = 1;   ///< The installation directory.
     static constexpr int KESTA_DATA_DIR = 2;        ///< The data directory.
 
+    /// The length of the longest text that a start-up parameter can have, in bytes.
+    static constexpr std::size_t KESTA_LONGEST_PARAMETER = 2047;
+
     /// Sets a start-up parameter. Both directories are expected to end with "/". An empty text
     /// counts as set.
     ///
-    /// Returns false, and stores nothing, for another number or a text over 2047 bytes.
+    /// Returns false, and stores nothing, for another number or a text that is too long.
     static bool setParameter(int iNumber, CKestaString strValue);
 
     /// A start-up parameter: what the host has set; else the environment variable
-    /// KESTA_INSTALLED_DIR or KESTA_DATA_DIR, unless it is empty or over 2047 bytes, or the process
-    /// runs with raised privileges; else the default that was fixed when the library was built
+    /// KESTA_INSTALLED_DIR or KESTA_DATA_DIR, unless it is empty or too long, or the process runs
+    /// with raised privileges; else the default that was fixed when the library was built
     /// (/opt/fernhold/ and /var/opt/fernhold/). The empty text for another number.
     static CKestaString getParameter(int iNumber);
 

@@ -48,8 +48,9 @@ public:
     ///     Not a valid IPv6 Wild Card Address 2001:*:1
     ///     This address as not allowed as per current IP filter settings!!!0.0.0.0
     ///
-    /// or with the message of the address class that could not read an end of the range. Any other
-    /// exception becomes "Unknown Error".
+    /// or with the message of the address class that could not read an end of the range, which ends
+    /// in the text of this end. Intended: the message for an IPv6 prefix that is refused by the
+    /// exclusion flags names no text. Any other exception becomes "Unknown Error".
     KestaIPRange(CKestaString strRange);
 
     /// A range that contains nothing: no ends, family 0.

@@ -8,6 +8,8 @@
 #include "KestaIPv6Address.h"
 #include "KestaString.h"
 
+#include <cstddef>
+
 #include <netinet/in.h>
 
 /// What the operating system knows about the host, and the conversions between address texts and
@@ -37,7 +39,10 @@ public:
     /// Ends a series of queries.
     static void EndWSA();
 
-    /// Puts the host name, NUL-terminated, into a buffer of at least 1024 bytes. Returns what
+    /// The size of the buffer that `queryHostName` needs, in bytes.
+    static constexpr std::size_t KESTA_HOST_NAME_SIZE = 1024;
+
+    /// Puts the host name, NUL-terminated, into a buffer of at least this size. Returns what
     /// `gethostname` returns.
     static int queryHostName(char* name);
 

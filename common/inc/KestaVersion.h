@@ -5,11 +5,11 @@
 
 // The one place that holds the version: the build, the packages and the tool read it from here.
 
-/// Changes when a host must be changed or compiled anew; it is the number in the SONAME.
+/// Raised when hosts must be changed or recompiled; it is the number in the SONAME.
 #define KESTA_VERSION_MAJOR 1
-/// Changes when something is added.
+/// Raised when something is added.
 #define KESTA_VERSION_MINOR 0
-/// Changes when a bug is fixed.
+/// Raised when a bug is fixed.
 #define KESTA_VERSION_PATCH 0
 
 /// The version of the library that the host runs with, such as "1.0.0"; the numbers above are those

@@ -20,8 +20,6 @@ pthread_mutex_t hKestaSettingsMutex = PTHREAD_MUTEX_INITIALIZER;
 namespace
 {
 
-constexpr std::size_t ulLongestParameter = 2047;
-
 struct CParameter
 {
     char szEnvironment[24];
@@ -38,7 +36,7 @@ constexpr int iParameters = 2;
 struct CHostValue
 {
     bool bSet;
-    char szText[ulLongestParameter + 1];
+    char szText[CKestaHostSetup::KESTA_LONGEST_PARAMETER + 1];
 };
 
 CHostValue hostValues[iParameters];
@@ -53,7 +51,7 @@ bool isParameter(int iNumber)
 
 bool CKestaHostSetup::setParameter(int iNumber, CKestaString strValue)
 {
-    if (!isParameter(iNumber) || strValue.size() > ulLongestParameter)
+    if (!isParameter(iNumber) || strValue.size() > KESTA_LONGEST_PARAMETER)
         return false;
     const CKestaLock lock(hKestaSettingsMutex);
     CHostValue& value = hostValues[iNumber - 1];
@@ -77,7 +75,7 @@ CKestaString CKestaHostSetup::getParameter(int iNumber)
     const CParameter& parameter = parameters[iNumber - 1];
     const char* pszEnvironment = secure_getenv(parameter.szEnvironment);
     if (pszEnvironment != nullptr && *pszEnvironment != '\0' &&
-        std::strlen(pszEnvironment) <= ulLongestParameter)
+        std::strlen(pszEnvironment) <= KESTA_LONGEST_PARAMETER)
         return pszEnvironment;
     return parameter.szDefault;
 }

@@ -20,7 +20,6 @@ namespace
 
 constexpr int iSuccess = 0;
 constexpr int iFailure = -1;
-constexpr std::size_t ulHostNameSize = 1024;
 
 /// What differs between the two families: types, conversions, classes and trace texts. The texts
 /// say queryHostIP although they are written two calls below it; they are fixed, as is their
@@ -153,7 +152,7 @@ void KestaIPUtilities::EndWSA() {}
 int KestaIPUtilities::queryHostName(char* name)
 {
     KESTA_DEBUG1("In KestaIPUtilities::queryHostName()", iTraceLevel);
-    const int iResult = gethostname(name, ulHostNameSize);
+    const int iResult = gethostname(name, KESTA_HOST_NAME_SIZE);
     if (iResult == 0)
         KESTA_DEBUG2("KestaIPUtilities::queryHostName Local Host Name : ", name, iTraceLevel);
     KESTA_DEBUG1("Out KestaIPUtilities::queryHostName()", iTraceLevel);
