@@ -47,7 +47,8 @@ void check(Model& model)
 
 }   // namespace
 
-/// A configuration file, read over known settings, and again over what it left itself.
+/// Input: a configuration file. It is read over known settings, and again over those that it has
+/// left.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static const int file = memfd_create("configuration", 0);

@@ -1,8 +1,8 @@
-// Fuzzes the scanner of kesta filter: by pieces of any size it selects the lines that the library's
-// own address and range classes select.
+// Fuzzes the scanner of kesta filter: whatever the size of the pieces, it must select the lines
+// that the library's own address and range classes select.
 //
-// The input is five lines: "v" to invert, "m" to map; the sizes of the pieces, a byte each; two
-// ranges; and all the rest is the text.
+// Input: a line with "v" to invert and "m" to map; a line with the sizes of the pieces, one byte
+// each; two lines with ranges; the rest is the text.
 
 #include "fuzz.h"
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-// What the fuzzers share. Each sets the library beside a plain model of what it does.
+// What the fuzzers share. Each compares the library with a simple model of what it does.
 
-/// Ends the run, which keeps its input, when something does not hold.
+/// Ends the run, and so keeps its input, when a condition does not hold.
 #define CHECK(...) ((__VA_ARGS__) ? void() : failed(__FILE__, __LINE__, #__VA_ARGS__))
 
 [[noreturn]] inline void failed(const char* file, int line, const char* condition)
@@ -20,7 +20,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-/// The input cut at newlines into so many fields, the last of which takes all that is left.
+/// The input, cut at newlines into a number of fields; the last one is everything that is left.
 inline std::vector<std::string> fields(const std::uint8_t* data, std::size_t size,
                                        std::size_t count)
 {

@@ -10,7 +10,7 @@
 namespace
 {
 
-/// The text of a log that comes by blocks of so many bytes, around and around.
+/// The text of a log that comes in blocks of these sizes, in turn.
 std::string decoded(const std::string& log, const std::string& sizes)
 {
     CKestaLogDecoder decoder;
@@ -28,7 +28,7 @@ std::string decoded(const std::string& log, const std::string& sizes)
     return text;
 }
 
-/// The bytes of a framed log of these lines, opened anew before each of which it is told.
+/// The bytes of a framed log of these lines, which is opened again before some of them.
 std::string framed(const std::vector<std::string>& lines, const std::string& reopened)
 {
     static const int file = memfd_create("log", 0);
@@ -48,7 +48,7 @@ std::string framed(const std::vector<std::string>& lines, const std::string& reo
 
 }   // namespace
 
-/// The sizes of blocks; where a log is torn; the bytes of a log, and of lines as well.
+/// Input: the sizes of blocks; where a log is torn; the bytes of a log, which also serve as lines.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const auto input = fields(data, size, 3);
@@ -59,7 +59,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     for (const char c : upToNul(input[2]))
         if (c == '|')
             lines.push_back("[MSG]:");
-        else if (c != '\xFE')   // which would begin a mark
+        else if (c != '\xFE')   // it would begin a mark
             lines.back() += c;
     std::string text;
     for (std::string& line : lines)
@@ -67,7 +67,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const std::string log = framed(lines, sizes);
     CHECK(decoded(log, sizes) == text);
 
-    // Torn, it loses its end alone; and what is written after that is whole again.
+    // A torn log loses only its end, and what is written after that is whole again.
     const std::string torn =
         log.substr(0, static_cast<std::size_t>(std::atoi(input[1].c_str())) % log.size());
     const std::string tornText = decoded(torn, sizes);

@@ -1,5 +1,5 @@
-// Part of the library and of the tool where coverage is counted: many tests look at a child that
-// ends by _exit, or end the tool by a signal, which would drop what has been counted.
+// Part of the library and of the tool when coverage is counted: many tests look at a child that
+// ends with _exit, or end the tool with a signal, and what was counted would be lost.
 
 #include <csignal>
 
@@ -19,7 +19,7 @@ typedef void (*Handler)(int);
 void dump()
 {
     rlimit limit;
-    getrlimit(RLIMIT_FSIZE, &limit);   // which the test may have set
+    getrlimit(RLIMIT_FSIZE, &limit);   // the test may have set one
     limit.rlim_cur = limit.rlim_max;
     setrlimit(RLIMIT_FSIZE, &limit);
     __gcov_dump();

@@ -121,5 +121,5 @@ TEST_F(DebugTest, LevelZeroTakesNoMutexButReleasesIt)
     traceLine("x");   // would hang if it took the mutex
     EXPECT_EQ(pthread_mutex_trylock(&ghMutex), 0);
     traceLine("x");
-    traceLine("x");   // releases what no one holds
+    traceLine("x");   // releases a mutex that nobody holds
 }

@@ -5,8 +5,7 @@
 
 #include <string>
 
-/// What a scanner finds: the selected lines with their numbers, and the unreadable texts with
-/// theirs.
+/// Collects what a scanner finds: selected lines and unreadable texts, with their line numbers.
 struct Found : CKestaFilterScanner::CSink
 {
     void selected(std::uint64_t line, std::string_view bytes) override

@@ -1,4 +1,4 @@
-// Stands alone: what a host has set counts for the rest of its process.
+// A program of its own: what a host sets stays set for the rest of its process.
 
 #include "KestaHostSetup.h"
 
