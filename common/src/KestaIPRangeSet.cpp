@@ -162,9 +162,9 @@ void CIndex<TNumber>::cut()
     }
     endBefore(highest<TNumber>);
 
-    intervals.shrink_to_fit();
     m_intervals.swap(intervals);
-    std::vector<CAdded>().swap(m_added);
+    std::vector<CAdded>().swap(m_added);   // before the copy that the next line may make
+    m_intervals.shrink_to_fit();
 }
 
 // Gives each slot a few intervals on average; a slot with many, where ranges lie close together,
