@@ -65,7 +65,7 @@ def run(command, output):
 
 
 def kilobytes(directory, command):
-    """Asks time(1), which is small: a process counts as its own what its parent had in use."""
+    """Asks time(1): as a child of this process, the command would count this one's memory, too."""
     report = os.path.join(directory, "memory")
     run(["time", "--format=%M", f"--output={report}", *command], os.devnull)
     return int(content(report))
