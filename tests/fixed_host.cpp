@@ -1,6 +1,6 @@
 // To be preloaded: a host whose name and system are always the same, its addresses those of
-// HOST_ADDRESSES, and the megabytes that are free on its disks HOST_FREE. With HOST_FAILS set to one
-// of the calls, that one fails; with HOST_PRIVILEGED set, the process has raised privileges.
+// HOST_ADDRESSES, and the megabytes that are free on its disks HOST_FREE. With HOST_FAILS set to
+// one of the calls, that one fails; with HOST_PRIVILEGED set, the process has raised privileges.
 
 #include <cerrno>
 #include <cstdlib>
@@ -68,10 +68,7 @@ extern "C" int statvfs(const char*, struct statvfs* system) noexcept
     return result("statvfs");
 }
 
-extern "C" int inotify_init1(int) noexcept
-{
-    return result("inotify_init1");
-}
+extern "C" int inotify_init1(int) noexcept { return result("inotify_init1"); }
 
 extern "C" char* secure_getenv(const char* name) noexcept
 {

@@ -5,6 +5,7 @@
 #include "KestaHostSetup.h"
 #include "KestaSettingsReader.h"
 #include "KestaString.h"
+#include "KestaToolText.h"
 #include "KestaTraceSettings.h"
 
 #include <algorithm>
@@ -35,12 +36,12 @@ CKestaCheckedVariable checkVariable(const char* pszName, int iParameter)
     return {pszName, strValue, eState};
 }
 
-std::string byteOrderMark(const std::string& strPath)
+std::string markOf(const std::string& strPath)
 {
     char bytes[3] = {};
     std::ifstream(strPath, std::ios::binary).read(bytes, sizeof bytes);
     const std::string_view start(bytes, sizeof bytes);
-    if (start == szUtf8Mark)
+    if (start == byteOrderMark)
         return "UTF-8";
     return start.substr(0, 2) == "\xFF\xFE" || start.substr(0, 2) == "\xFE\xFF" ? "UTF-16" : "";
 }
@@ -70,7 +71,7 @@ CKestaLogFacts::CKestaLogFacts()
 void CKestaLogFacts::readSettings()
 {
     if (configuration.isFile())
-        strByteOrderMark = byteOrderMark(configuration.strPath);
+        strByteOrderMark = markOf(configuration.strPath);
     CKestaSettingsReader reader(configuration.strPath.c_str());
     if (!reader.isOpen())
     {

@@ -35,9 +35,6 @@ struct CKestaCheckedVariable
     EState eState;
 };
 
-/// The byte-order mark of UTF-8: the library takes it for a part of the first key.
-constexpr char szUtf8Mark[] = "\xEF\xBB\xBF";
-
 /// Everything that decides whether a line that a host traces now is written: what an entry of this
 /// user in this environment would find. Looking at it creates and changes nothing.
 struct CKestaLogFacts

@@ -89,7 +89,8 @@ CKestaFinding missingKey(const CKestaLogFacts& facts, const std::string& strKey,
         return {strPath + " is in UTF-16, which can't be read", "save it in UTF-8, without a mark"};
     for (const CKestaCheckedSetting& setting : facts.settings)
     {
-        if (!facts.strByteOrderMark.empty() && setting.strKey == szUtf8Mark + strKey)
+        // The library takes the mark for a part of the key.
+        if (setting.strKey == std::string(byteOrderMark) + strKey)
             return {"a byte-order mark hides " + strKey + " in " + lineOf(setting),
                     "save " + strPath + " without the mark"};
         if (strcasecmp(setting.strKey.c_str(), strKey.c_str()) == 0)
