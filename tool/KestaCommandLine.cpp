@@ -6,7 +6,6 @@
 #include "KestaEntry.h"
 #include "KestaException.h"
 #include "KestaHostSetup.h"
-#include "KestaInput.h"
 #include "KestaOutput.h"
 #include "KestaOutputToError.h"
 #include "KestaString.h"
@@ -214,11 +213,6 @@ int run(CKestaCommand& command, CKestaOutput& output)
         const int iStatus = command.run(output);
         output.flush();
         return iStatus;
-    }
-    catch (const CKestaInputError&)
-    {
-        output.flush();   // what could be read is worth showing
-        throw;
     }
     catch (const CKestaExc& exc)   // which no subcommand lets through today
     {
