@@ -82,12 +82,3 @@ TEST(Filter, EverySplitOfEveryLine)
         }
     }
 }
-
-TEST(Filter, FilesThatEndWithinAMark)
-{
-    for (const std::string text : {"\xEF", "\xEF\xBB", "\xEF\xBB\xBF", ""})
-    {
-        const std::string error = text.empty() || text.size() == 3 ? "" : "1:" + text + "\n";
-        EXPECT_EQ(scan(false, false, {}, text).errors, error + "1:\n");
-    }
-}

@@ -1,38 +1,48 @@
-// To be preloaded: a host whose name, system and addresses are always the same. With HOST_FAILS set
-// to one of the calls, that one fails; with HOST_EMPTY set, there are no addresses.
+// To be preloaded: a host whose name and system are always the same, its addresses those of
+// HOST_ADDRESSES, and the megabytes that are free on its disks HOST_FREE. With HOST_FAILS set to
+// one of the calls, that one fails; with HOST_PRIVILEGED set, the process has raised privileges.
 
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <sstream>
+#include <string>
 
 #include <arpa/inet.h>
 #include <ifaddrs.h>
+#include <sys/statvfs.h>
 #include <sys/utsname.h>
 
-static const char* const texts[] = {"127.0.0.1", "10.1.2.3", "169.254.1.1", "192.0.2.1", "0.0.0.0",
-    "::1", "fe80::1", "fec0::1", "fd00::1", "2600::1", "::2"};
-static ifaddrs entries[sizeof texts / sizeof *texts];
-static sockaddr_storage addresses[sizeof texts / sizeof *texts];
+static std::string setting(const char* name, const char* otherwise)
+{
+    const char* const value = std::getenv(name);
+    return value != nullptr ? value : otherwise;
+}
 
 static int result(const char* call)
 {
-    const char* const failing = std::getenv("HOST_FAILS");
     errno = EPERM;
-    return failing != nullptr && std::strcmp(failing, call) == 0 ? -1 : 0;
+    return setting("HOST_FAILS", "") == call ? -1 : 0;
 }
 
 extern "C" int getifaddrs(ifaddrs** list) noexcept
 {
-    ifaddrs* next = nullptr;
-    for (int i = sizeof texts / sizeof *texts; i-- > 0; next = &entries[i])
+    static ifaddrs entries[100];
+    static sockaddr_storage addresses[100];
+    std::istringstream texts(setting("HOST_ADDRESSES",
+        "127.0.0.1 10.1.2.3 169.254.1.1 192.0.2.1 0.0.0.0 ::1 fe80::1 fec0::1 fd00::1 2600::1 "
+        "::2"));
+    std::string text;
+    for (int i = 0; texts >> text; ++i)
     {
-        addresses[i].ss_family = std::strchr(texts[i], ':') ? AF_INET6 : AF_INET;
-        inet_pton(addresses[i].ss_family, texts[i],
+        addresses[i].ss_family = text.find(':') == text.npos ? AF_INET : AF_INET6;
+        inet_pton(addresses[i].ss_family, text.c_str(),
             reinterpret_cast<char*>(&addresses[i]) + (addresses[i].ss_family == AF_INET ? 4 : 8));
         entries[i].ifa_addr = reinterpret_cast<sockaddr*>(&addresses[i]);
-        entries[i].ifa_next = next;
+        *list = &entries[i];
+        list = &entries[i].ifa_next;
     }
-    *list = std::getenv("HOST_EMPTY") == nullptr ? next : nullptr;
+    *list = nullptr;
     return result("getifaddrs");
 }
 
@@ -48,4 +58,19 @@ extern "C" int uname(utsname* system) noexcept
 {
     std::strcpy(system->sysname, "Linux");
     return result("uname");
+}
+
+extern "C" int statvfs(const char*, struct statvfs* system) noexcept
+{
+    system->f_bsize = 1;
+    system->f_frsize = 1000000;
+    system->f_bfree = system->f_bavail = std::stoul(setting("HOST_FREE", "0"));
+    return result("statvfs");
+}
+
+extern "C" int inotify_init1(int) noexcept { return result("inotify_init1"); }
+
+extern "C" char* secure_getenv(const char* name) noexcept
+{
+    return std::getenv("HOST_PRIVILEGED") == nullptr ? std::getenv(name) : nullptr;
 }

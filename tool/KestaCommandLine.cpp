@@ -6,7 +6,6 @@
 #include "KestaEntry.h"
 #include "KestaException.h"
 #include "KestaHostSetup.h"
-#include "KestaInput.h"
 #include "KestaOutput.h"
 #include "KestaOutputToError.h"
 #include "KestaString.h"
@@ -217,11 +216,6 @@ int run(CKestaCommand& command, CKestaOutput& output)
         const int iStatus = command.run(output);
         output.flush();
         return iStatus;
-    }
-    catch (const CKestaInputError&)
-    {
-        output.flush();   // what was read before the error is still shown
-        throw;
     }
     catch (const CKestaExc& exc)   // no subcommand lets one through today
     {

@@ -93,8 +93,8 @@ CKestaFinding missingKey(const CKestaLogFacts& facts, const std::string& strKey,
                 "save it as UTF-8 without a byte-order mark"};
     for (const CKestaCheckedSetting& setting : facts.settings)
     {
-        if (!facts.strByteOrderMark.empty() &&
-            setting.strKey == std::string(byteOrderMark) + strKey)
+        // The library reads the mark as part of the key.
+        if (setting.strKey == std::string(byteOrderMark) + strKey)
             return {"a byte-order mark hides " + strKey + " in " + lineOf(setting),
                     "save " + strPath + " without the byte-order mark"};
         if (strcasecmp(setting.strKey.c_str(), strKey.c_str()) == 0)

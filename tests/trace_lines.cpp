@@ -1,0 +1,21 @@
+// A host for transcripts: traces the lines of standard input, one in each entry or as many as its
+// argument says.
+
+#include "KestaDebug.h"
+#include "KestaEntry.h"
+
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+int main(int argc, char** argv)
+{
+    const int each = argc > 1 ? std::atoi(argv[1]) : 1;
+    std::string line;
+    while (std::cin.peek() != EOF)
+    {
+        const CKestaEntry entry;
+        for (int i = 0; i < each && std::getline(std::cin, line); ++i)
+            KESTA_DEBUG1(line, 1);
+    }
+}
