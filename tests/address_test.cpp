@@ -22,61 +22,6 @@ TEST_F(AddressTest, TextsAndTheirTraces)
     EXPECT_EQ(out.str(), "10.1%eth0 FE80::1%2");
 }
 
-/// What is read of a text, as bytes, and what is written for it; empty where it is no address.
-typedef std::tuple<std::string, std::string, std::string> Reading;
-
-template <class SocketAddress>
-static std::string bytesOf(const SocketAddress& address)
-{
-    return {reinterpret_cast<const char*>(&address), sizeof address};
-}
-
-static Reading readByLibrary(const std::string& text)
-{
-    sockaddr_in in = {};
-    sockaddr_in6 in6 = {};
-    CKestaString written4, written6;
-    const bool is4 = KestaIPUtilities::convertIPv4StringToAddress(text, &in) == 0;
-    const bool is6 = KestaIPUtilities::convertIPv6StringToAddress(text, &in6) == 0;
-    KestaIPUtilities::convertIPv4AddressToString(&in, written4);
-    KestaIPUtilities::convertIPv6AddressToString(&in6, written6);
-    return {is4 ? bytesOf(in) : "", is6 ? bytesOf(in6) : "", written4 + " " + written6};
-}
-
-static Reading readBySystem(const std::string& text)
-{
-    const std::string cut = text.substr(0, text.find('%'));
-    sockaddr_in in = {};
-    sockaddr_in6 in6 = {};
-    in.sin_family = AF_INET;
-    in6.sin6_family = AF_INET6;
-    const bool is4 = inet_aton(cut.c_str(), &in.sin_addr) != 0;
-    const bool is6 = inet_pton(AF_INET6, cut.c_str(), &in6.sin6_addr) == 1;
-    char written[2][INET6_ADDRSTRLEN];
-    inet_ntop(AF_INET, &in.sin_addr, written[0], sizeof written[0]);
-    inet_ntop(AF_INET6, &in6.sin6_addr, written[1], sizeof written[1]);
-    return {is4 ? bytesOf(in) : "", is6 ? bytesOf(in6) : "",
-        std::string(written[0]) + " " + written[1]};
-}
-
-// Texts of all forms, each with each of its characters taken out, or preceded by another.
-TEST_F(AddressTest, ReadsAndWritesAsTheSystemDoes)
-{
-    for (const std::string base : {"10.1.2.3", "255.100.0.9%e", "0x7f.1", "010.1",
-             "::", "1::", "::1", "1:0:2::3", "1::2:0:0:3:4", "::ffff:1.2.3.4", "::1.2.3.4",
-             "::2:102:304", "a:bc:def:1234:0:ffff:0:90", "1:2:3:4:5:6:7:0", "FE80::9aF%1"})
-        for (std::size_t at = 0; at <= base.size(); ++at)
-            for (const char c : std::string("=0159aFgG:.%-*/ x"))
-            {
-                std::string text = base;
-                if (c == '=')
-                    text.erase(at, 1);
-                else
-                    text.insert(at, 1, c);
-                EXPECT_EQ(readByLibrary(text), readBySystem(text)) << text;
-            }
-}
-
 TEST_F(AddressTest, Order)
 {
     // Each below the next.
