@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <new>
 #include <set>
 #include <utility>
@@ -76,40 +77,39 @@ static int countOf(Work work)
     return allocations - before;
 }
 
+#define ROW(work, most)                                                                            \
+    {                                                                                              \
+#work, [&] { static_cast<void>(work); }, most                                              \
+    }
+
 TEST(Allocations, AreAsFewAsPromised)
 {
     const CKestaString text("a text that no small buffer holds, with blanks , and commas , in it");
-    EXPECT_EQ(countOf([&] { const CKestaString copy(text); }), 1) << "the counter counts";
-
-    EXPECT_EQ(countOf([] { KESTA_DEBUG1("In a rather long trace message", 3); }), 0);
-    EXPECT_EQ(countOf([&] { KESTA_DEBUG1(text, 3); }), 0);
-    EXPECT_EQ(countOf([&] { KESTA_DEBUG2(text, text, 3); }), 0);
-    EXPECT_EQ(countOf([&] { KESTA_DEBUG2(text, "a rather long trace message", 3); }), 0);
-    EXPECT_EQ(countOf([&] { CKestaDebug::logMessage(text, text, text, 3); }), 0);
-
+    const char* const message = "a rather long trace message";
+    CKestaString trimmed(text), removed(text), token(text);
     const KestaIPRange range("10.1.*.*"), inner("10.1.2.*"), block("2001:db8::/32"), all("*");
-    const KestaIPv4Address in("10.1.2.3"), out("10.2.0.1");
+    const KestaIPv4Address in("10.1.2.3");
     const KestaIPv6Address in6("2001:db8::1");
-    EXPECT_EQ(countOf([] { const KestaIPRange made("10.1.*.*"); }), 0);
-    EXPECT_EQ(countOf([] { const KestaIPRange made("2001:db8::/32"); }), 1);
-    bool yes = true;
-    EXPECT_EQ(countOf([&] { yes = range.isMember(&in) && !range.isMember(&out); }), 0);
-    EXPECT_EQ(countOf([&] { yes = yes && block.isMember(&in6) && all.isMember(&in6); }), 0);
-    EXPECT_EQ(countOf([&] { yes = yes && range.isMember(inner) && inner.isMember(range); }), 0);
-    EXPECT_EQ(countOf([&] { yes = yes && block.isMember(all) && !range.isMember(all); }), 0);
-    EXPECT_EQ(countOf([&] { yes = yes && in == &in && out >= &in && in6 <= &in6; }), 0);
     KestaIPRangeSet set;
     set.add(range);
     set.build();
-    EXPECT_EQ(countOf([&] { yes = yes && set.indexOf(&in) == 0; }), 0);
-    EXPECT_TRUE(yes);
-
-    CKestaString trimmed(text), removed(text), token(text);
-    EXPECT_LE(countOf([&] { text.countDelims(","), text.countTokens(","); }), 2);
-    EXPECT_LE(countOf([&] { trimmed.trim(); }), 1);
-    EXPECT_LE(countOf([&] { removed.removeSpaces(); }), 1);
-    EXPECT_EQ(countOf([&] { text.getNextToken(token, ","); }), 0);
-    EXPECT_EQ(countOf([&] { text.getNextToken(token, ""); }), 0);
+    const struct
+    {
+        const char* what;
+        std::function<void()> work;
+        int most;
+    } rows[] = {ROW(KESTA_DEBUG1(message, 3), 0), ROW(KESTA_DEBUG1(text, 3), 0),
+        ROW(KESTA_DEBUG2(text, text, 3), 0), ROW(KESTA_DEBUG2(text, message, 3), 0),
+        ROW(CKestaDebug::logMessage(text, text, text, 3), 0), ROW(KestaIPRange("10.1.*.*"), 0),
+        ROW(KestaIPRange("2001:db8::/32"), 1), ROW(range.isMember(&in), 0),
+        ROW(block.isMember(&in6), 0), ROW(inner.isMember(range), 0), ROW(block.isMember(all), 0),
+        ROW(range.isMember(all), 0), ROW(in == &in, 0), ROW(in >= &in, 0), ROW(in6 <= &in6, 0),
+        ROW(set.indexOf(&in), 0), ROW(text.countDelims(","), 1), ROW(text.countTokens(","), 1),
+        ROW(trimmed.trim(), 1), ROW(removed.removeSpaces(), 1),
+        ROW(text.getNextToken(token, ","), 0), ROW(text.getNextToken(token, ""), 0)};
+    for (const auto& row : rows)
+        EXPECT_LE(countOf(row.work), row.most) << row.what;
+    EXPECT_EQ(countOf([&] { const CKestaString copy(text); }), 1) << "the counter counts";
 }
 
 using MemoryTest = TraceFixture;

@@ -23,6 +23,7 @@ TEST(Map, EntriesAndWalk)
     map.resetIterator();
     EXPECT_EQ(rest(map), "312") << "A, B, a; a key that is there keeps its value";
     map.forceAdd("a", 9);
+    EXPECT_EQ(map.get("a"), 9);
     testing::internal::CaptureStdout();
     EXPECT_EQ(map.dump(), 0);
     EXPECT_EQ(

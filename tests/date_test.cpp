@@ -53,8 +53,8 @@ TEST(Date, Order)
     {
         const CKestaDate a(left), b(right);
         EXPECT_EQ(a.compare(b), want) << left;
-        EXPECT_EQ(std::tuple(a < b, a > b, a <= b, a >= b),
-            std::tuple(want < 0, want > 0, want <= 0, want >= 0))
+        EXPECT_EQ(std::tuple(a<b, a> b, a <= b, a >= b),
+            std::tuple(want<0, want> 0, want <= 0, want >= 0))
             << left;
         EXPECT_FALSE(a == b) << left << ": even the same day, written in another way";
     }

@@ -123,7 +123,7 @@ TEST_F(EntriesTest, StayWholeWhileTheConfigurationChanges)
                     work();
             });
     const char levels[] = {'0', '3', '0', '4'};
-    for (int change = 0; change < 100; ++change)
+    for (int change = 0; change < 40; ++change)
     {
         const char level = levels[change % 4];
         configure(

@@ -1,5 +1,5 @@
-// To be preloaded: a host whose name, system and addresses are always the same. With HOST_FAILS set
-// to one of the calls, that one fails; with HOST_EMPTY set, there are no addresses.
+// To be preloaded, or linked: a host whose name, system and addresses are always the same. With
+// HOST_FAILS set to one of the calls, that one fails; with HOST_EMPTY set, there are no addresses.
 
 #include <cerrno>
 #include <cstdlib>
@@ -11,8 +11,10 @@
 
 static const char* const texts[] = {"127.0.0.1", "10.1.2.3", "169.254.1.1", "192.0.2.1", "0.0.0.0",
     "::1", "fe80::1", "fec0::1", "fd00::1", "2600::1", "::2"};
-static ifaddrs entries[sizeof texts / sizeof *texts];
-static sockaddr_storage addresses[sizeof texts / sizeof *texts];
+static constexpr int count = sizeof texts / sizeof *texts;
+static sockaddr_storage addresses[count + 1];   // the last is of no known family
+static ifaddrs entries[count + 2];              // the last has none
+int freedLists = 0;
 
 static int result(const char* call)
 {
@@ -23,20 +25,22 @@ static int result(const char* call)
 
 extern "C" int getifaddrs(ifaddrs** list) noexcept
 {
-    ifaddrs* next = nullptr;
-    for (int i = sizeof texts / sizeof *texts; i-- > 0; next = &entries[i])
+    for (int i = 0; i < count; ++i)
     {
         addresses[i].ss_family = std::strchr(texts[i], ':') ? AF_INET6 : AF_INET;
         inet_pton(addresses[i].ss_family, texts[i],
             reinterpret_cast<char*>(&addresses[i]) + (addresses[i].ss_family == AF_INET ? 4 : 8));
-        entries[i].ifa_addr = reinterpret_cast<sockaddr*>(&addresses[i]);
-        entries[i].ifa_next = next;
     }
-    *list = std::getenv("HOST_EMPTY") == nullptr ? next : nullptr;
+    for (int i = 0; i <= count; ++i)
+    {
+        entries[i].ifa_addr = reinterpret_cast<sockaddr*>(&addresses[i]);
+        entries[i].ifa_next = &entries[i + 1];
+    }
+    *list = std::getenv("HOST_EMPTY") == nullptr ? entries : nullptr;
     return result("getifaddrs");
 }
 
-extern "C" void freeifaddrs(ifaddrs*) noexcept {}
+extern "C" void freeifaddrs(ifaddrs*) noexcept { ++freedLists; }
 
 extern "C" int gethostname(char* name, size_t) noexcept
 {
