@@ -98,31 +98,6 @@ TEST_F(FaultsTest, OfTheFileSystem)
         }
 }
 
-TEST_F(FaultsTest, FileSizeLimitAmidALine)
-{
-    const std::pair<std::string, std::string> rows[] = {{"52813", "n"}, {"3", "[MSG]:FH"}};
-    for (const auto& row : rows)
-        inChild(
-            [&]
-            {
-                dropPrivileges();
-                configure("DEBUGLEVEL=" + row.first);
-                traceLine("first");
-                rlimit limit{std::filesystem::file_size(logPath()) + 10, RLIM_INFINITY};
-                setrlimit(RLIMIT_FSIZE, &limit);
-                {
-                    const CKestaEntry entry;
-                    KESTA_DEBUG1("no room for this", 1);
-                    KESTA_DEBUG1("nor for this", 1);
-                    limit.rlim_cur = RLIM_INFINITY;
-                    setrlimit(RLIMIT_FSIZE, &limit);
-                    KESTA_DEBUG1("later", 1);
-                }
-                traceLine("last");
-                EXPECT_EQ(messages(), (Lines{"first", row.second, "later", "last"}));
-            });
-}
-
 TEST_F(FaultsTest, StandardFilesAreClosed)
 {
     inChild(

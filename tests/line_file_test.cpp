@@ -66,23 +66,32 @@ TEST_F(LineFileTest, RollsOverWhatStandsAtThePath)
     }
 }
 
+// A line for which there is no room is lost; nothing of it comes later, and later lines are whole.
 TEST_F(LineFileTest, EndsATornLine)
 {
-    const std::tuple<const char*, bool, const char*> rows[] = {
-        // mode, whether the file is emptied meanwhile
-        {"a+b", false, "first\nseco\nthird\n"}, {"a+b", true, "third\n"},
-        {"a", false, "first\nsecothird\n"}};   // whose end can't be looked at
-    for (const auto& [mode, emptied, want] : rows)
+    const std::string end("\0\n", 2), frame = "\n" + end,
+                                      start = "\xFE\xFF"
+                                              "first" +
+                                              frame;
+    const std::tuple<const char*, bool, bool, std::string> rows[] = {
+        // mode; whether lines are enciphered; whether the file is emptied meanwhile
+        {"a+b", false, false, "first\nno room\nthird\n"}, {"a+b", false, true, "third\n"},
+        {"a+b", true, false, start + "no room" + end + "third" + frame},
+        {"ab", false, false, "first\nno roomthird\n"}};   // whose end can't be looked at
+    for (const auto& row : rows)
         inChild(
-            [this, mode = mode, emptied = emptied, want = want]
+            [&]
             {
-                const std::string path = dir + mode + (emptied ? "emptied" : "");
-                rlimit limit{10, RLIM_INFINITY};
+                const auto& [mode, enciphered, emptied, want] = row;
+                const std::string path = dir + "file";
+                std::filesystem::remove(path);
+                rlimit limit{(enciphered ? start : "first\n").size() + 7, RLIM_INFINITY};
                 setrlimit(RLIMIT_FSIZE, &limit);
                 CKestaLineFile file;
-                file.open(path, mode, false);
+                file.open(path, mode, enciphered);
                 EXPECT_TRUE(file.writeLine("first\n"));
-                EXPECT_FALSE(file.writeLine("second\n"));
+                EXPECT_FALSE(file.writeLine("no room for this\n"));
+                EXPECT_FALSE(file.writeLine("nor for this\n"));
                 limit.rlim_cur = RLIM_INFINITY;
                 setrlimit(RLIMIT_FSIZE, &limit);
                 if (emptied)
