@@ -11,14 +11,6 @@ static std::string fields(const CKestaDate& date)
            std::to_string(date.getYear());
 }
 
-TEST(Date, Texts)
-{
-    const char* const rows[][2] = {{"12/25", "12/25/25"},   // a missing part repeats the last
-        {"12252007", "0/0/0"}, {"x/ 5y/-3/4", "0/5/-3"}};
-    for (const auto& [text, want] : rows)
-        EXPECT_EQ(fields(CKestaDate(text)), want);
-}
-
 TEST(Date, Months)
 {
     std::string months;

@@ -206,24 +206,24 @@ TEST_F(EntriesTest, OfCancelledThreadsEnd)
 {
     if (addressSanitizer)
         GTEST_SKIP();
-    const auto guarded = []
-    {
-        const CKestaEntry entry;
-        const KestaIPRange range("10.1.*.*");
-    };
-    const auto plain = []
-    {
-        initialize();
-        errorOf([] { KestaIPRange range("10.1.2.*.5"); });
-        unInitialize();
-    };
-    const auto within = []
-    {
-        const CKestaEntry entry;
-        for (;; pthread_testcancel())
-            const KestaIPRange range("2001:db8::/32");
-    };
-    for (const std::function<void()>& work : {std::function<void()>(guarded), {plain}, {within}})
+    const std::function<void()> works[] = {[]
+        {
+            const CKestaEntry entry;
+            const KestaIPRange range("10.1.*.*");
+        },
+        []
+        {
+            initialize();
+            errorOf([] { KestaIPRange range("10.1.2.*.5"); });
+            unInitialize();
+        },
+        []
+        {
+            const CKestaEntry entry;
+            for (;; pthread_testcancel())
+                const KestaIPRange range("2001:db8::/32");
+        }};
+    for (const auto& work : works)
         for (const char* settings :
             {"DEBUGLEVEL=3", "DEBUGLEVEL=0", "DEBUGFILEPATH=/missing\nDEBUG=N"})
         {

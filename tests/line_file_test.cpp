@@ -2,6 +2,8 @@
 
 #include "KestaLineFile.h"
 
+#include <cerrno>
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/resource.h>
@@ -59,6 +61,7 @@ TEST_F(LineFileTest, RollsOverWhatStandsAtThePath)
         }
         const int other = open(path.c_str(), O_RDONLY);
         flock(other, locked ? LOCK_EX : LOCK_UN);
+        errno = EWOULDBLOCK;   // of an earlier call
         file.rollOver(path, newPath, 3);
         close(other);
         EXPECT_EQ(fileText(newPath), want) << moved << locked;
