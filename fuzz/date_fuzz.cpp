@@ -91,6 +91,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
             CHECK(fieldsOf(date + days) == dateAt(later));
     }
     CHECK(date.getTime() == time && fieldsOf(CKestaDate(seconds)) == dateAt(seconds));
-    CHECK(date.compare(other) == (time > otherTime) - (time < otherTime));
+    const int order = (time > otherTime) - (time < otherTime);
+    CHECK(date.compare(other) == order);
+    CHECK((date < other) == (order < 0) && (date > other) == (order > 0));
+    CHECK((date <= other) == (order <= 0) && (date >= other) == (order >= 0));
     return 0;
 }

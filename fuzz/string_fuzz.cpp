@@ -1,6 +1,9 @@
 #include "KestaString.h"
 #include "fuzz.h"
 
+#include <algorithm>
+#include <cctype>
+
 #include <strings.h>
 
 namespace
@@ -24,12 +27,14 @@ struct Model
     }
 };
 
-std::string withoutSpaces(const std::string& text)
+std::string withoutSpaces(std::string text)
 {
-    std::string result;
-    for (const char c : text)
-        result += trimmed(std::string(1, c));
-    return result;
+    const auto isSpace = [](unsigned char c)
+    {
+        return std::isspace(c) != 0;
+    };
+    text.erase(std::remove_if(text.begin(), text.end(), isSpace), text.end());
+    return text;
 }
 
 void checkQuestions(const CKestaString& text, const CKestaString& other)

@@ -70,7 +70,10 @@ TEST_F(AddressTest, Values)
     EXPECT_EQ(*address, KestaIPv4Address("10.1.2.3"));
     address->setSockAddress(socketOf("10.9.9.9"));
     EXPECT_EQ(*address, KestaIPv4Address("10.9.9.9"));
-    EXPECT_EQ(address->getStrAddress(), "renamed");
+    KestaIPv4Address assigned("10.1.2.3");
+    assigned = *address;
+    EXPECT_EQ(assigned, *address);
+    EXPECT_EQ(assigned.getStrAddress(), "renamed");
     address->~KestaIPv4Address();
 
     const std::unordered_set<KestaIPv4Address> set4{{"10.1"}, {"10.0.0.1"}, {"10.0.0.2%e"}};

@@ -119,6 +119,7 @@ TEST_F(MemoryTest, MayFailAnywhere)
     typedef std::set<std::string> Outcomes;
     configure("DEBUGLEVEL=3\nDEBUGITEMS=" + std::string(100, 'x'));
     const CKestaString text("10.100.100.100"), longText(std::string(100, 'x'));
+    const CKestaExc exc(longText);
     // Hangs in the next attempt when one that failed holds the mutex.
     const auto begin = [] { initialize(), unInitialize(); };
     for (const bool lasting : {false, true})
@@ -130,6 +131,9 @@ TEST_F(MemoryTest, MayFailAnywhere)
             outcomes(lasting, [&] { KESTA_DEBUG2(longText, longText, 3); }), Outcomes{"done"});
         EXPECT_EQ(outcomes(lasting, [&] { CKestaDebug::logMessage(longText, text, text, 3); }),
             Outcomes{"done"});
+        EXPECT_EQ(outcomes(lasting, [&] { CKestaDebug::logMessage(exc); }), Outcomes{"done"});
+        EXPECT_EQ(
+            outcomes(lasting, [&] { CKestaDebug::writeMessage(longText); }), Outcomes{"done"});
         KESTA_DEBUG1("still traced", 1);
     }
     EXPECT_EQ(messages().back(), "still traced");

@@ -144,8 +144,10 @@ TEST(ArrayAndStack, AddAndRemove)
         EXPECT_TRUE(array.add(item));
         stack.push(item);
     }
+    CKestaArray<int> assigned;
+    assigned = array;
     int sum = 0;
-    for (const int item : std::as_const(array))
+    for (const int item : std::as_const(assigned))
         sum = 10 * sum + item;
     EXPECT_EQ(sum, 123);
     EXPECT_EQ(std::as_const(array).getAt(1), 2);

@@ -37,21 +37,6 @@ TEST(Date, Formats)
         EXPECT_EQ(from.getDateString(format), want) << format;
 }
 
-TEST(Date, Order)
-{
-    const std::tuple<const char*, const char*, int> rows[] = {
-        {"12/31/2007", "1/1/2008", -1}, {"3/1/2024", "2/29/2024", 1}, {"2/1/2007", "1/32/2007", 0}};
-    for (const auto& [left, right, want] : rows)
-    {
-        const CKestaDate a(left), b(right);
-        EXPECT_EQ(a.compare(b), want) << left;
-        EXPECT_EQ(std::tuple(a<b, a> b, a <= b, a >= b),
-            std::tuple(want<0, want> 0, want <= 0, want >= 0))
-            << left;
-        EXPECT_FALSE(a == b) << left << ": even the same day, written in another way";
-    }
-}
-
 TEST(Date, SystemTime)
 {
     const CKestaDate before(std::time(nullptr)), today, after(std::time(nullptr));

@@ -153,11 +153,21 @@ TEST_F(EntriesTest, StayWholeWhileTheConfigurationChanges)
 
 TEST_F(EntriesTest, HostsMayHoldTheMutexThemselves)
 {
-    pthread_mutex_lock(&ghMutex);
-    std::thread waiting = begun([this] { traceLine("waited"); });
-    inThread([] { unInitialize(); });   // of a thread without an entry: releases it all the same
-    waiting.join();
-    EXPECT_EQ(messages(), Lines{"waited"});
+    const auto byHand = [] { pthread_mutex_unlock(&ghMutex); };
+    for (const std::function<void()>& release : {std::function<void()>(unInitialize), {byHand}})
+    {
+        std::filesystem::remove(logPath());
+        pthread_mutex_lock(&ghMutex);
+        std::thread waiting = begun([this] { traceLine("waited"); });
+        usleep(1000);   // in which it mostly gets as far as that
+        release();
+        waiting.join();
+        EXPECT_EQ(messages(), Lines{"waited"});
+    }
+    const CKestaEntry entry;
+    byHand();
+    traceLine("into the same log");
+    EXPECT_EQ(messages(), (Lines{"waited", "into the same log"}));
 }
 
 TEST_F(EntriesTest, MayBeHandedFromThreadToThread)
@@ -297,6 +307,16 @@ TEST_F(EntriesTest, OfForkedChildren)
 // is the parent's to roll over.
 TEST_F(EntriesTest, OfTheParentAreNotTheChildsToRollOver)
 {
+    configure("DEBUG=N\nDEBUGFILEPATH=" + dir + "missing");
+    {
+        const CKestaEntry withoutLog;
+        inChild(
+            []
+            {
+                unInitialize();
+                EXPECT_TRUE(mutexIsFree());
+            });
+    }
     configure("DEBUGSIZE=0");
     {
         const CKestaEntry entry;

@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 using LineFileTest = TraceFixture;
 
@@ -16,6 +17,7 @@ TEST_F(LineFileTest, Modes)
     const std::tuple<const char*, bool, std::string, std::string> rows[] = {
         // mode, enciphered, what the file holds before and afterwards
         {"r", false, "old\n", "old\n"}, {"r+", false, "old\n", "x\nd\n"}, {"q", false, "", refused},
+        {"r", false, "pipe", refused}, {"a", false, "pipe", refused},
         {"w", true, "old\n", marks + "x\n" + end}, {"wx", false, "", "x\n"},
         {"wx", false, "old\n", refused}, {"ax", false, "old\n", refused},
         {"a", true, "old\n", "old\nx\n" + end}, {"a", true, "", marks + "x\n" + end},
@@ -24,7 +26,9 @@ TEST_F(LineFileTest, Modes)
     {
         const std::string path = dir + "file";
         std::filesystem::remove(path);
-        if (!before.empty())
+        if (before == "pipe")
+            mkfifo(path.c_str(), 0600);
+        else if (!before.empty())
             std::ofstream(path) << before;
         CKestaLineFile file;
         bool written = false;

@@ -4,6 +4,7 @@
 #include "support.h"
 
 #include "KestaArray.h"
+#include "KestaConfiguration.h"
 #include "KestaDate.h"
 #include "KestaIPRange.h"
 #include "KestaIPUtilities.h"
@@ -213,6 +214,8 @@ TEST(NaturalUse, AddressesAndVersion)
     const KestaIPv4Address address("10.1.2.3");
     const CKestaArray<KestaIPv4Address> in;
     CKestaArray<KestaIPv4Address> kept;
+    [[maybe_unused]] const CKestaDebug debug;   // whose operations are all static
+    [[maybe_unused]] const CKestaConfiguration configuration;
     KestaIPUtilities::getfilteredIPv4Addresses(kept, in);
     std::ostringstream version;
     version << KESTA_VERSION_MAJOR << '.' << KESTA_VERSION_MINOR << '.' << KESTA_VERSION_PATCH;

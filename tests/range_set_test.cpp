@@ -84,11 +84,13 @@ TEST(RangeSet, IsAskedWhenBuilt)
     turned.getStartAddress()->setSockAddress(socketOf("10.2.0.0"));   // behind its end
     set.add(turned);
     set.build();
-    KestaIPRangeSet moved;
-    moved = std::move(set);
+    KestaIPRangeSet moved(std::move(set)), assigned;
+    assigned = std::move(moved);
     const KestaIPv4Address within("10.2.0.0");
-    const KestaIPAddress* const rows[] = {&high, &low, &within, nullptr};
-    for (const KestaIPAddress* address : rows)
-        EXPECT_EQ(moved.indexOf(address), address == &high ? 1 : -1);
-    EXPECT_FALSE(moved.isEmpty());
+    KestaIPv4Address unknown("255.255.255.255");
+    unknown.setSockAddress({});   // of no family
+    for (const KestaIPAddress* address : {&high, &low, &within, &std::as_const(unknown)})
+        EXPECT_EQ(assigned.indexOf(address), address == &high ? 1 : -1) << *address;
+    EXPECT_EQ(assigned.indexOf(nullptr), -1);
+    EXPECT_FALSE(assigned.isEmpty());
 }
