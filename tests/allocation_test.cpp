@@ -40,11 +40,13 @@ static struct
 
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
+typedef std::set<std::string> Outcomes;
+
 /// What comes of an operation whose n-th allocation fails, for every n that it has.
 template <class Work>
-static std::set<std::string> outcomes(bool lasting, Work work)
+static Outcomes outcomes(bool lasting, Work work)
 {
-    std::set<std::string> all;
+    Outcomes all;
     for (int n = 1;; ++n)
     {
         std::string outcome = "done";
@@ -116,10 +118,12 @@ using MemoryTest = TraceFixture;
 
 TEST_F(MemoryTest, MayFailAnywhere)
 {
-    typedef std::set<std::string> Outcomes;
     configure("DEBUGLEVEL=3\nDEBUGITEMS=" + std::string(100, 'x'));
     const CKestaString text("10.100.100.100"), longText(std::string(100, 'x'));
     const CKestaExc exc(longText);
+    const std::function<void()> traces[] = {[&] { KESTA_DEBUG2(longText, longText, 3); },
+        [&] { CKestaDebug::logMessage(longText, text, text, 3); },
+        [&] { CKestaDebug::logMessage(exc); }, [&] { CKestaDebug::writeMessage(longText); }};
     // Hangs in the next attempt when one that failed holds the mutex.
     const auto begin = [] { initialize(), unInitialize(); };
     for (const bool lasting : {false, true})
@@ -127,13 +131,8 @@ TEST_F(MemoryTest, MayFailAnywhere)
         SCOPED_TRACE(lasting);
         EXPECT_EQ(outcomes(lasting, begin), Outcomes{"bad_alloc"});
         const CKestaEntry entry;
-        EXPECT_EQ(
-            outcomes(lasting, [&] { KESTA_DEBUG2(longText, longText, 3); }), Outcomes{"done"});
-        EXPECT_EQ(outcomes(lasting, [&] { CKestaDebug::logMessage(longText, text, text, 3); }),
-            Outcomes{"done"});
-        EXPECT_EQ(outcomes(lasting, [&] { CKestaDebug::logMessage(exc); }), Outcomes{"done"});
-        EXPECT_EQ(
-            outcomes(lasting, [&] { CKestaDebug::writeMessage(longText); }), Outcomes{"done"});
+        for (const auto& trace : traces)
+            EXPECT_EQ(outcomes(lasting, trace), Outcomes{"done"});
         KESTA_DEBUG1("still traced", 1);
     }
     EXPECT_EQ(messages().back(), "still traced");
@@ -141,7 +140,6 @@ TEST_F(MemoryTest, MayFailAnywhere)
 
 TEST_F(MemoryTest, FailuresOfRangesAreErrorObjects)
 {
-    typedef std::set<std::string> Outcomes;
     const auto rangeOf = [](const char* text)
     { return [text] { const KestaIPRange range(text); }; };
     const sockaddr_storage start = socketOf("2001:db8::");
@@ -188,7 +186,7 @@ TEST(RangeSet, IsBuiltAgainAfterAFailure)
                 set.build();
             }
         });
-    EXPECT_EQ(outcome, (std::set<std::string>{"bad_alloc", "done"}));
+    EXPECT_EQ(outcome, (Outcomes{"bad_alloc", "done"}));
     EXPECT_EQ(std::tuple(set.indexOf(&inOnce), set.isMember(&inOuter), set.isMember(&out)),
         std::tuple(0L, true, false));
 }

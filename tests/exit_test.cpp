@@ -41,7 +41,8 @@ int main(int, char** arguments)
     for (const char* name : {"conf", "log"})
         std::filesystem::create_directories(directory + name);
     std::ofstream(directory + "conf/KestaDebug.ini")
-        << "DEBUG=Y\nDEBUGLEVEL=52813\nDEBUGSIZE=1000\n";
+        << "DEBUG=Y\nDEBUGLEVEL=52813\nDEBUGSIZE=1000\nDEBUGITEMS=" << std::string(500, 'x')
+        << "\n";
     const pid_t child = fork();
     if (child == 0)
         std::exit(host(arguments[1], directory));

@@ -22,7 +22,8 @@ protected:
         if (geteuid() != 0)
             return;
         shell("chown -R 65534:65534 .");
-        ASSERT_TRUE(setgid(65534) == 0 && setuid(65534) == 0);
+        ASSERT_EQ(setgid(65534), 0);
+        ASSERT_EQ(setuid(65534), 0);
         prctl(PR_SET_DUMPABLE, 1);   // the sanitizers look at /proc/self
     }
 };

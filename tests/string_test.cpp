@@ -36,8 +36,6 @@ TEST(String, CopiesAndComparisonsStopAtNul)
     for (const auto& [got, size] : rows)
         EXPECT_EQ(got.size(), size) << got;
     EXPECT_EQ(text, "ab");
-    EXPECT_TRUE(text.equals("AB", false));
-    EXPECT_FALSE(text.equals("AB", true));
 }
 
 /// The tokens from the cursor on, each in brackets.
@@ -51,9 +49,7 @@ static std::string rest(const CKestaString& text)
 
 TEST(String, TokensOfCopies)
 {
-    CKestaString text("a,b"), token("kept"), other("c,d");
-    EXPECT_FALSE(text.getNextToken(token, ";"));
-    EXPECT_EQ(token, "kept");
+    CKestaString text("a,b"), token, other("c,d");
     text.getNextToken(token, ",");
     other.getNextToken(token, ",");
     other = text;
@@ -64,11 +60,8 @@ TEST(String, TokensOfCopies)
     EXPECT_EQ(rest(text), "[b]") << "an assignment to itself changes nothing";
 }
 
-TEST(String, WhiteSpaceAndNumbers)
+TEST(String, NumbersOfTexts)
 {
-    CKestaString text(" \v2.5e1 \tx\f\r\n");
-    EXPECT_EQ(text.toDouble(), 25.0);
-    EXPECT_EQ(text.toInt(), 2);
-    EXPECT_EQ(text.trim(), "2.5e1 \tx");
-    EXPECT_EQ(text.removeSpaces(), "2.5e1x");
+    EXPECT_EQ(CKestaString(" \v2.5e1 \tx").toDouble(), 25.0);
+    EXPECT_EQ(CKestaString("x").toDouble(), 0.0);
 }
