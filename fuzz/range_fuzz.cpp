@@ -5,8 +5,6 @@
 #include "KestaIPv6Address.h"
 #include "fuzz.h"
 
-#include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <memory>
 
@@ -15,17 +13,16 @@
 namespace
 {
 
-/// The bytes of both ends in network order; empty for a text that is refused.
-typedef std::pair<std::string, std::string> Ends;
-
+/// The bytes of an address in network order, as the system reads it; empty where it can't.
 std::string bytesOf(const std::string& text, int family)
 {
     char bytes[16];
     const std::string address = text.substr(0, text.find('%'));
-    if (family == 4 ? inet_aton(address.c_str(), reinterpret_cast<in_addr*>(bytes)) == 0
-                    : inet_pton(AF_INET6, address.c_str(), bytes) != 1)
-        return "";
-    return std::string(bytes, family == 4 ? 4 : 16);
+    if (family == 4)
+        return inet_aton(address.c_str(), reinterpret_cast<in_addr*>(bytes)) != 0
+                   ? std::string(bytes, 4)
+                   : "";
+    return inet_pton(AF_INET6, address.c_str(), bytes) == 1 ? std::string(bytes, 16) : "";
 }
 
 /// The bytes that an address shows to a comparison by this family.
@@ -36,39 +33,6 @@ std::string bytesOf(const KestaIPAddress* address, int family)
     return family == 4 ? std::string(bytes + 4, 4) : std::string(bytes + 8, 16);
 }
 
-/// The first or the last address of the block of an address.
-std::string blockEnd(std::string bytes, int prefix, bool last)
-{
-    for (std::size_t bit = static_cast<std::size_t>(std::max(prefix, 0)); bit < bytes.size() * 8;
-         ++bit)
-    {
-        const int mask = 0x80 >> bit % 8;
-        bytes[bit / 8] = static_cast<char>(last ? bytes[bit / 8] | mask : bytes[bit / 8] & ~mask);
-    }
-    return bytes;
-}
-
-/// Which addresses the flags exclude is for a unit test to show, under all of them.
-bool isUnallowed(const std::string& bytes)
-{
-    sockaddr_in in = {};
-    sockaddr_in6 in6 = {};
-    if (bytes.size() == 4)
-    {
-        std::memcpy(&in.sin_addr, bytes.data(), 4);
-        return KestaIPv4Address::CheckUnAllowedIPv4AddressTypes(&in);
-    }
-    std::memcpy(&in6.sin6_addr, bytes.data(), 16);
-    return KestaIPv6Address::CheckUnAllowedIPv6AddressTypes(&in6);
-}
-
-Ends screened(const std::string& start, const std::string& end)
-{
-    const bool isRefused =
-        start.empty() || end.empty() || isUnallowed(start) || (end.size() == 4 && isUnallowed(end));
-    return isRefused ? Ends() : Ends(start, end);
-}
-
 std::string starsAs(std::string text, const char* number)
 {
     while (text.find('*') != text.npos)
@@ -76,60 +40,61 @@ std::string starsAs(std::string text, const char* number)
     return text;
 }
 
-Ends expectedEnds(std::string text)
+/// The number of leading bits that all addresses between two have; -1 when these are no block.
+int blockPrefix(const std::string& start, const std::string& end)
 {
-    if (text.find('.') != text.npos)
+    int prefix = 0;
+    bool differ = false;
+    for (std::size_t bit = 0; bit < start.size() * 8; ++bit)
     {
-        const std::size_t colon = text.rfind(':');
-        if (colon != text.npos &&
-            bytesOf(text.substr(0, colon) + ":0:0", 6) != bytesOf("::ffff:0:0", 6))
-            return {};
-        text.erase(0, colon + 1);
-        return screened(bytesOf(starsAs(text, "0"), 4), bytesOf(starsAs(text, "255"), 4));
+        const int mask = 0x80 >> bit % 8, first = start[bit / 8] & mask, last = end[bit / 8] & mask;
+        differ = differ || first != last;
+        prefix += differ ? 0 : 1;
+        if (differ && (first != 0 || last == 0))
+            return -1;
     }
-    const std::size_t star = text.find('*'), slash = text.find('/');
-    if (star == text.npos)
-    {
-        const int prefix = slash == text.npos ? 128 : std::atoi(&text[slash + 1]);
-        const std::string start = bytesOf(text.substr(0, slash), 6);
-        if (prefix < 0 || prefix > 128 || start != blockEnd(start, prefix, false))
-            return {};
-        return screened(start, blockEnd(start, prefix, true));
-    }
-    std::string head = text.substr(0, star);
-    const int digits = static_cast<int>(star - head.rfind(':') - 1);
-    if (digits != 0 || star == 0)
-        head.append(static_cast<std::size_t>(std::max(4 - digits, 0)), '0');
-    else
-        head.pop_back();
-    const int groups = 1 + static_cast<int>(std::count(head.begin(), head.end(), ':'));
-    head += groups <= 6 ? "::" : groups == 7 ? ":0000" : "";
-    const int prefix = star == 0 ? 0 : digits == 0 ? 16 * groups : (4 * groups + digits) * 4 - 16;
-    const std::string start = bytesOf(head, 6);
-    return star + 1 < text.size() || start.empty() ? Ends()
-                                                   : Ends(start, blockEnd(start, prefix, true));
+    return prefix;
 }
 
-std::unique_ptr<KestaIPRange> made(const std::string& text, const Ends& expected)
+typedef std::pair<std::string, std::string> Ends;
+
+void checkEnds(const std::string& text, const Ends& ends)
 {
-    try
+    const std::size_t slash = text.find('/');
+    if (ends.first.size() == 4)
     {
-        auto range = std::make_unique<KestaIPRange>(text);
-        const int family = range->getAddressFamily();
-        CHECK(bytesOf(range->getStartAddress(), family) == expected.first);
-        CHECK(bytesOf(range->getEndAddress(), family) == expected.second);
-        return range;
+        const std::string part = text.substr(text.rfind(':') + 1);
+        CHECK(ends == Ends(bytesOf(starsAs(part, "0"), 4), bytesOf(starsAs(part, "255"), 4)));
     }
-    catch (const CKestaExc& refusal)
+    else if (text.find('*') != text.npos)
+        CHECK(blockPrefix(ends.first, ends.second) % 4 == 0);
+    else
     {
-        CHECK(expected.first.empty() && refusal.GetErrorMessage() != "Unknown Error");
-        return nullptr;
+        const int prefix = slash == text.npos ? 128 : std::atoi(&text[slash + 1]);
+        CHECK(ends.first == bytesOf(text.substr(0, slash), 6));
+        CHECK(blockPrefix(ends.first, ends.second) == prefix);
     }
+}
+
+/// A range, and the bytes of its ends; null for a text that is refused.
+std::unique_ptr<KestaIPRange> made(const std::string& text, Ends& ends)
+try
+{
+    auto range = std::make_unique<KestaIPRange>(text);
+    const int family = range->getAddressFamily();
+    ends = {bytesOf(range->getStartAddress(), family), bytesOf(range->getEndAddress(), family)};
+    checkEnds(text, ends);
+    return range;
+}
+catch (const CKestaExc& refusal)
+{
+    CHECK(refusal.GetErrorMessage() != "Unknown Error");
+    return nullptr;
 }
 
 void check(const std::string& text, const std::string& otherText)
 {
-    const Ends ends = expectedEnds(text), others = expectedEnds(otherText);
+    Ends ends, others;
     const auto range = made(text, ends), other = made(otherText, others);
     if (!range || !other)
         return;

@@ -23,6 +23,7 @@ TEST(Map, EntriesAndWalk)
     map.resetIterator();
     EXPECT_EQ(rest(map), "312") << "A, B, a; a key that is there keeps its value";
     map.forceAdd("a", 9);
+    EXPECT_EQ(map.get("a"), 9);
     testing::internal::CaptureStdout();
     EXPECT_EQ(map.dump(), 0);
     EXPECT_EQ(
@@ -143,8 +144,10 @@ TEST(ArrayAndStack, AddAndRemove)
         EXPECT_TRUE(array.add(item));
         stack.push(item);
     }
+    CKestaArray<int> assigned;
+    assigned = array;
     int sum = 0;
-    for (const int item : std::as_const(array))
+    for (const int item : std::as_const(assigned))
         sum = 10 * sum + item;
     EXPECT_EQ(sum, 123);
     EXPECT_EQ(std::as_const(array).getAt(1), 2);

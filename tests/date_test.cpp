@@ -11,28 +11,6 @@ static std::string fields(const CKestaDate& date)
            std::to_string(date.getYear());
 }
 
-TEST(Date, Texts)
-{
-    const char* const rows[][2] = {{"12/25", "12/25/25"},   // a missing part repeats the last
-        {"12252007", "0/0/0"}, {"x/ 5y/-3/4", "0/5/-3"}};
-    for (const auto& [text, want] : rows)
-        EXPECT_EQ(fields(CKestaDate(text)), want);
-}
-
-TEST(Date, ClampedFields)
-{
-    const std::tuple<int, int, int, int, const char*> rows[] = {{2, 29, 2024, 1, "2/28/2024"},
-        {2, 29, 2000, 0, "2/29/2000"}, {0, 0, 1200, 1, "1/1/1500"}, {13, 40, 5000, 1, "12/31/4000"},
-        {6, 31, 2007, 1, "6/30/2007"}, {12, 31, 4000, 0, "12/31/4000"},
-        {1, 1, 1500, 0, "1/1/1500"}};
-    for (const auto& [month, day, year, corrected, want] : rows)
-    {
-        CKestaDate date;
-        EXPECT_EQ(date.setDate(month, day, year), corrected) << want;
-        EXPECT_EQ(fields(date), want);
-    }
-}
-
 TEST(Date, Months)
 {
     std::string months;
@@ -57,28 +35,6 @@ TEST(Date, Formats)
         {far, CKestaDate::DDMMYYYY, lowest.c_str()}};
     for (const auto& [from, format, want] : rows)
         EXPECT_EQ(from.getDateString(format), want) << format;
-}
-
-TEST(Date, Arithmetic)
-{
-    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);   // has days of 23 and of 25 hours
-    const std::tuple<const char*, int, const char*> rows[] = {{"12/31/2007", 1, "1/1/2008"},
-        {"1/32/2007", 0, "2/1/2007"}, {"3/25/2007", 1, "3/26/2007"},
-        {"10/28/2007", 1, "10/29/2007"}, {"3/1/2024", -1, "2/29/2024"},
-        {"3/30/2007", -30, "2/28/2007"}};
-    for (const auto& [text, days, want] : rows)
-    {
-        const CKestaDate from(text), to(want);
-        EXPECT_EQ(fields(from + static_cast<unsigned int>(days)), want) << text;
-        EXPECT_EQ(to - from, days) << text;
-        const int order = (days > 0) - (days < 0);
-        EXPECT_EQ(to.compare(from), order) << text;
-        EXPECT_EQ(to < from, order < 0) << text;
-        EXPECT_EQ(to > from, order > 0) << text;
-        EXPECT_EQ(to <= from, order <= 0) << text;
-        EXPECT_EQ(to >= from, order >= 0) << text;
-        EXPECT_FALSE(from == to) << text;
-    }
 }
 
 TEST(Date, SystemTime)

@@ -6,16 +6,30 @@
 #include "KestaIPRange.h"
 
 #include <atomic>
+#include <csignal>
 #include <functional>
 #include <future>
-#include <map>
 #include <thread>
-
-#include <fcntl.h>
 
 using EntriesTest = TraceFixture;
 
 static void inThread(const std::function<void()>& work) { std::thread(work).join(); }
+
+/// A thread that has begun its work.
+static std::thread begun(const std::function<void()>& work)
+{
+    std::promise<void> promise;
+    const std::future<void> start = promise.get_future();
+    std::thread thread(
+        [work](std::promise<void> started)
+        {
+            started.set_value();
+            work();
+        },
+        std::move(promise));
+    start.wait();
+    return thread;
+}
 
 static bool mutexIsFree()
 {
@@ -81,18 +95,9 @@ TEST_F(EntriesTest, StayWholeWhileTheConfigurationChanges)
     CKestaConfiguration::initialize("KestaDebug.ini");
     std::atomic<bool> stop{false};
     std::atomic<int> made{0};
-    std::vector<std::thread> threads;
-    const auto start = [&](const std::function<void()>& work)
-    {
-        threads.emplace_back(
-            [&stop, work]
-            {
-                while (!stop)
-                    work();
-            });
-    };
+    std::vector<std::function<void()>> works;
     for (int thread = 0; thread < 8; ++thread)
-        start(
+        works.push_back(
             [&made, thread]
             {
                 const CKestaEntry entry;
@@ -101,16 +106,24 @@ TEST_F(EntriesTest, StayWholeWhileTheConfigurationChanges)
                 ++made;
             });
     for (const char* text : {"10.1.*.*", "no range"})
-        start([text] { errorOf([text] { KestaIPRange range(text); }); });
-    start(
+        works.push_back([text] { errorOf([text] { KestaIPRange range(text); }); });
+    works.push_back(
         [this]
         {
             CKestaHostSetup::setParameter(CKestaHostSetup::KESTA_DATA_DIR, dir);
             const CKestaString items = CKestaConfiguration::getDebugItems();
             EXPECT_EQ(items.find_first_not_of(items.c_str()[0]), items.npos) << items;
         });
+    std::vector<std::thread> threads;
+    for (const auto& work : works)
+        threads.emplace_back(
+            [&]
+            {
+                while (!stop)
+                    work();
+            });
     const char levels[] = {'0', '3', '0', '4'};
-    for (int change = 0; change < 100; ++change)
+    for (int change = 0; change < 40; ++change)
     {
         const char level = levels[change % 4];
         configure(
@@ -140,33 +153,36 @@ TEST_F(EntriesTest, StayWholeWhileTheConfigurationChanges)
 
 TEST_F(EntriesTest, HostsMayHoldTheMutexThemselves)
 {
-    pthread_mutex_lock(&ghMutex);
-    std::promise<void> begun;
-    std::thread waiting(
-        [&]
-        {
-            begun.set_value();
-            traceLine("waited");
-        });
-    begun.get_future().wait();
-    inThread([] { unInitialize(); });   // of a thread without an entry: releases it all the same
-    waiting.join();
-    EXPECT_EQ(messages(), Lines{"waited"});
+    const auto byHand = [] { pthread_mutex_unlock(&ghMutex); };
+    for (const std::function<void()>& release : {std::function<void()>(unInitialize), {byHand}})
+    {
+        std::filesystem::remove(logPath());
+        pthread_mutex_lock(&ghMutex);
+        std::thread waiting = begun([this] { traceLine("waited"); });
+        usleep(1000);   // in which it mostly gets as far as that
+        release();
+        waiting.join();
+        EXPECT_EQ(messages(), Lines{"waited"});
+    }
+    const CKestaEntry entry;
+    byHand();
+    traceLine("into the same log");
+    EXPECT_EQ(messages(), (Lines{"waited", "into the same log"}));
 }
 
 TEST_F(EntriesTest, MayBeHandedFromThreadToThread)
 {
-    std::promise<void> begun, ended;
+    std::promise<void> taken, ended;
     initialize();
     std::thread other(
         [&]
         {
             unInitialize();
             initialize();
-            begun.set_value();
+            taken.set_value();
             ended.get_future().wait();
         });
-    begun.get_future().wait();
+    taken.get_future().wait();
     KESTA_DEBUG1("in no entry", 1);
     unInitialize();
     EXPECT_TRUE(mutexIsFree());
@@ -177,12 +193,12 @@ TEST_F(EntriesTest, MayBeHandedFromThreadToThread)
 
 TEST_F(EntriesTest, EndWithAnException)
 {
-    EXPECT_THROW(
-        {
-            const CKestaEntry entry;
-            KestaIPRange("no range");
-        },
-        CKestaExc);
+    const auto refused = []
+    {
+        const CKestaEntry entry;
+        KestaIPRange("no range");
+    };
+    EXPECT_THROW(refused(), CKestaExc);
     EXPECT_TRUE(mutexIsFree());
     EXPECT_FALSE(CKestaDebug::isTraced(1));
 }
@@ -190,12 +206,7 @@ TEST_F(EntriesTest, EndWithAnException)
 TEST_F(EntriesTest, EndWithTheirThread)
 {
     configure("DEBUGSIZE=0");
-    inThread(
-        []
-        {
-            initialize();
-            KESTA_DEBUG1("not ended", 1);
-        });
+    inThread([] { initialize(), KESTA_DEBUG1("not ended", 1); });
     EXPECT_TRUE(mutexIsFree());
     EXPECT_EQ(fileText(oldLogPath()), "[MSG]:FH:not ended\n") << "rolled over";
 }
@@ -205,30 +216,24 @@ TEST_F(EntriesTest, OfCancelledThreadsEnd)
 {
     if (addressSanitizer)
         GTEST_SKIP();
-    const auto guarded = [](void*) -> void*
-    {
-        for (;;)
+    const std::function<void()> works[] = {[]
         {
             const CKestaEntry entry;
             const KestaIPRange range("10.1.*.*");
-        }
-    };
-    const auto plain = [](void*) -> void*
-    {
-        for (;;)
+        },
+        []
         {
             initialize();
             errorOf([] { KestaIPRange range("10.1.2.*.5"); });
             unInitialize();
-        }
-    };
-    const auto within = [](void*) -> void*
-    {
-        const CKestaEntry entry;
-        for (;; pthread_testcancel())
-            const KestaIPRange range("2001:db8::/32");
-    };
-    for (void* (*work)(void*) : {+guarded, +plain, +within})
+        },
+        []
+        {
+            const CKestaEntry entry;
+            for (;; pthread_testcancel())
+                const KestaIPRange range("2001:db8::/32");
+        }};
+    for (const auto& work : works)
         for (const char* settings :
             {"DEBUGLEVEL=3", "DEBUGLEVEL=0", "DEBUGFILEPATH=/missing\nDEBUG=N"})
         {
@@ -236,14 +241,16 @@ TEST_F(EntriesTest, OfCancelledThreadsEnd)
             configure(settings);
             for (int i = 0; i < 20; ++i)
             {
-                pthread_t thread;
-                void* result = nullptr;
-                ASSERT_EQ(pthread_create(&thread, nullptr, work, nullptr), 0);
+                std::thread thread(
+                    [&]
+                    {
+                        for (;;)
+                            work();
+                    });
                 for (int yields = 0; yields < i; ++yields)
                     std::this_thread::yield();
-                pthread_cancel(thread);
-                pthread_join(thread, &result);
-                EXPECT_EQ(result, PTHREAD_CANCELED);
+                pthread_cancel(thread.native_handle());
+                thread.join();
                 EXPECT_TRUE(mutexIsFree());
             }
         }
@@ -254,15 +261,12 @@ TEST_F(EntriesTest, MayBeCancelledWhileTheyWait)
     if (addressSanitizer)
         GTEST_SKIP();
     const CKestaEntry entry;
-    std::promise<void> begun;
-    std::thread waiting(
-        [&]
+    std::thread waiting = begun(
+        []
         {
-            begun.set_value();
             initialize();
             ADD_FAILURE() << "there can't be two";
         });
-    begun.get_future().wait();
     pthread_cancel(waiting.native_handle());
     waiting.join();
     KESTA_DEBUG1("still in progress", 1);
@@ -280,11 +284,8 @@ TEST_F(EntriesTest, OfForkedChildren)
         [&]
         {
             const CKestaEntry entry;
-            while (!stop)
-            {
+            for (; !stop; ++lines)
                 KESTA_DEBUG1("parent", 1);
-                ++lines;
-            }
         });
     while (lines == 0)
         std::this_thread::yield();
@@ -306,6 +307,16 @@ TEST_F(EntriesTest, OfForkedChildren)
 // is the parent's to roll over.
 TEST_F(EntriesTest, OfTheParentAreNotTheChildsToRollOver)
 {
+    configure("DEBUG=N\nDEBUGFILEPATH=" + dir + "missing");
+    {
+        const CKestaEntry withoutLog;
+        inChild(
+            []
+            {
+                unInitialize();
+                EXPECT_TRUE(mutexIsFree());
+            });
+    }
     configure("DEBUGSIZE=0");
     {
         const CKestaEntry entry;
@@ -328,25 +339,21 @@ TEST_F(EntriesTest, OfTheParentAreNotTheChildsToRollOver)
 TEST_F(EntriesTest, OfTwoProcessesLoseNoFullLog)
 {
     configure("DEBUGSIZE=0");
-    int toSecond[2], toFirst[2];
-    char byte = 0;
-    ASSERT_EQ(pipe(toSecond), 0);
-    ASSERT_EQ(pipe(toFirst), 0);
     const pid_t second = fork();
     if (second == 0)
     {
         initialize();
         KESTA_DEBUG1("second", 1);
-        const bool told = write(toFirst[1], "", 1) == 1 && read(toSecond[0], &byte, 1) == 1;
+        raise(SIGSTOP);
         unInitialize();
-        _exit(told ? 0 : 1);
+        _exit(0);
     }
-    ASSERT_EQ(read(toFirst[0], &byte, 1), 1);
+    int status = -1;
+    waitpid(second, &status, WUNTRACED);
     traceLine("first");   // and rolls over
     configure("");
     traceLine("next");
-    ASSERT_EQ(write(toSecond[1], "", 1), 1);
-    int status = -1;
+    kill(second, SIGCONT);
     waitpid(second, &status, 0);
     EXPECT_EQ(status, 0);
     EXPECT_EQ(fileText(oldLogPath()), "[MSG]:FH:second\n[MSG]:FH:first\n");

@@ -11,6 +11,7 @@ TEST(Exception, ConstructorsAndCatalogue)
 {
     const std::pair<CKestaExc, const char*> rows[] = {{CKestaExc(), "-9999;Kesta_Fernhold;\n"},
         {CKestaExc_ArrayOutOfBound(), "-9999;Kesta_Fernhold;\n"},
+        {CKestaExc_FileNotFound(), "-9999;Kesta_Fernhold;\n"},
         {CKestaExc_FileNotFound("ignored"), "-9999;Kesta_Fernhold;\n"},
         {CKestaExc("Invalid address"), "-9999;Fernhold;Invalid address\n"},
         {CKestaExc(-1, "here", "m"), "-1;here;Unknown Error:m\n"},

@@ -1,5 +1,5 @@
-// To be preloaded: a host whose name and system are always the same, its addresses those of
-// HOST_ADDRESSES, and the megabytes that are free on its disks HOST_FREE. With HOST_FAILS set to
+// To be preloaded, or linked: a host whose name and system are always the same, its addresses those
+// of HOST_ADDRESSES, and the megabytes that are free on its disks HOST_FREE. With HOST_FAILS set to
 // one of the calls, that one fails; with HOST_PRIVILEGED set, the process has raised privileges.
 
 #include <cerrno>
@@ -12,6 +12,8 @@
 #include <ifaddrs.h>
 #include <sys/statvfs.h>
 #include <sys/utsname.h>
+
+int freedLists = 0;
 
 static std::string setting(const char* name, const char* otherwise)
 {
@@ -33,20 +35,27 @@ extern "C" int getifaddrs(ifaddrs** list) noexcept
         "127.0.0.1 10.1.2.3 169.254.1.1 192.0.2.1 0.0.0.0 ::1 fe80::1 fec0::1 fd00::1 2600::1 "
         "::2"));
     std::string text;
-    for (int i = 0; texts >> text; ++i)
+    int count = 0;
+    for (; texts >> text; ++count)
     {
-        addresses[i].ss_family = text.find(':') == text.npos ? AF_INET : AF_INET6;
-        inet_pton(addresses[i].ss_family, text.c_str(),
-            reinterpret_cast<char*>(&addresses[i]) + (addresses[i].ss_family == AF_INET ? 4 : 8));
-        entries[i].ifa_addr = reinterpret_cast<sockaddr*>(&addresses[i]);
-        *list = &entries[i];
-        list = &entries[i].ifa_next;
+        sockaddr_storage& address = addresses[count];
+        address.ss_family = text.find(':') == text.npos ? AF_INET : AF_INET6;
+        inet_pton(address.ss_family, text.c_str(),
+            reinterpret_cast<char*>(&address) + (address.ss_family == AF_INET ? 4 : 8));
+        entries[count].ifa_addr = reinterpret_cast<sockaddr*>(&address);
+        entries[count].ifa_next = &entries[count + 1];
     }
-    *list = nullptr;
+    // Two more interfaces: one has an address of no known family, one has none.
+    addresses[count].ss_family = AF_UNSPEC;
+    entries[count] = {};
+    entries[count].ifa_addr = reinterpret_cast<sockaddr*>(&addresses[count]);
+    entries[count].ifa_next = &entries[count + 1];
+    entries[count + 1] = {};
+    *list = entries;
     return result("getifaddrs");
 }
 
-extern "C" void freeifaddrs(ifaddrs*) noexcept {}
+extern "C" void freeifaddrs(ifaddrs*) noexcept { ++freedLists; }
 
 extern "C" int gethostname(char* name, size_t) noexcept
 {

@@ -16,23 +16,16 @@ static long firstOf(const std::vector<KestaIPRange>& ranges, const KestaIPAddres
 }
 
 // Ranges that touch, overlap and hold each other, close together and far apart.
-static std::string randomRange(std::mt19937& random)
-{
-    static const char* const formats[] = {"10.1.%u.*", "10.%u.*.*", "10.1.%u.%u", "%u.%u.*.*",
-        "255.255.255.%u", "2001:db8:%x*", "2001:db8::%x:%x", "2001:%x::/32", "%x%x*"};
-    char text[64];
-    std::snprintf(text, sizeof text, formats[random() % std::size(formats)],
-        1 + unsigned(random() % 200), unsigned(random() % 200));
-    return text;
-}
+static const std::vector<const char*> rangeForms{"10.1.%u.*", "10.%u.*.*", "10.1.%u.%u",
+    "%u.%u.*.*", "255.255.255.%u", "2001:db8:%x*", "2001:db8::%x:%x", "2001:%x::/32", "%x%x*"};
+static const std::vector<const char*> addressForms{"10.1.%u.%u", "10.%u.0.%u", "%u.%u.255.255",
+    "255.255.255.%u", "2001:db8::%x:%x", "2001:db8:%x00::%x", "2001:%x:%x::", "%x:%x::"};
 
-static std::string randomAddress(std::mt19937& random)
+static std::string textOf(const std::vector<const char*>& forms, std::mt19937& random)
 {
-    static const char* const formats[] = {"10.1.%u.%u", "10.%u.0.%u", "%u.%u.255.255",
-        "255.255.255.%u", "2001:db8::%x:%x", "2001:db8:%x00::%x", "2001:%x:%x::", "%x:%x::"};
     char text[64];
-    std::snprintf(text, sizeof text, formats[random() % std::size(formats)],
-        unsigned(random() % 202), unsigned(random() % 202));
+    std::snprintf(text, sizeof text, forms[random() % forms.size()], 1 + unsigned(random() % 201),
+        unsigned(random() % 202));
     return text;
 }
 
@@ -46,7 +39,7 @@ TEST(RangeSet, AnswersAsItsRangesDo)
         std::vector<KestaIPRange> ranges;
         while (ranges.size() < count)
         {
-            ranges.emplace_back(randomRange(random));
+            ranges.emplace_back(textOf(rangeForms, random));
             EXPECT_EQ(set.add(ranges.back()), ranges.size() - 1);
             if (random() % count == 0)
                 set.build();   // and go on
@@ -55,7 +48,7 @@ TEST(RangeSet, AnswersAsItsRangesDo)
         EXPECT_EQ(set.size(), count);
         for (int i = 0; i < 500; ++i)
         {
-            const std::string text = randomAddress(random);
+            const std::string text = textOf(addressForms, random);
             sockaddr_storage socket = socketOf(text);
             const bool is6 = socket.ss_family == AF_INET6;
             KestaIPv4Address address("1.1.1.1");   // whose class does not matter
@@ -63,10 +56,12 @@ TEST(RangeSet, AnswersAsItsRangesDo)
             const long want = firstOf(ranges, address);
             const auto& in = reinterpret_cast<const sockaddr_in&>(socket).sin_addr;
             const auto& in6 = reinterpret_cast<const sockaddr_in6&>(socket).sin6_addr;
-            EXPECT_EQ(set.indexOf(&address), want) << text << " of " << count;
-            EXPECT_EQ(is6 ? set.indexOf(in6) : set.indexOf(in), want) << text;
-            EXPECT_EQ(set.isMember(&address), want >= 0) << text;
-            EXPECT_EQ(is6 ? set.isMember(in6) : set.isMember(in), want >= 0) << text;
+            EXPECT_EQ(std::pair(set.indexOf(&address), is6 ? set.indexOf(in6) : set.indexOf(in)),
+                std::pair(want, want))
+                << text << " of " << count;
+            EXPECT_EQ(std::pair(set.isMember(&address), is6 ? set.isMember(in6) : set.isMember(in)),
+                std::pair(want >= 0, want >= 0))
+                << text << " of " << count;
         }
     }
 }
@@ -84,8 +79,18 @@ TEST(RangeSet, IsAskedWhenBuilt)
     EXPECT_EQ(set.add(KestaIPRange("255.255.255.*")), 1u);
     EXPECT_EQ(errorOf([&] { set.indexOf(&high); }), unbuilt);
     set.build();
-    KestaIPRangeSet moved(std::move(set));
-    EXPECT_EQ(std::tuple(moved.indexOf(&low), moved.indexOf(&high), moved.indexOf(nullptr)),
-        std::tuple(-1L, 1L, -1L));
-    EXPECT_FALSE(moved.isEmpty());
+    EXPECT_EQ(set.indexOf(&high), 1);
+    KestaIPRange turned("10.1.*.*");
+    turned.getStartAddress()->setSockAddress(socketOf("10.2.0.0"));   // behind its end
+    set.add(turned);
+    set.build();
+    KestaIPRangeSet moved(std::move(set)), assigned;
+    assigned = std::move(moved);
+    const KestaIPv4Address within("10.2.0.0");
+    KestaIPv4Address unknown("255.255.255.255");
+    unknown.setSockAddress({});   // of no family
+    for (const KestaIPAddress* address : {&high, &low, &within, &std::as_const(unknown)})
+        EXPECT_EQ(assigned.indexOf(address), address == &high ? 1 : -1) << *address;
+    EXPECT_EQ(assigned.indexOf(nullptr), -1);
+    EXPECT_FALSE(assigned.isEmpty());
 }

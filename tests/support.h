@@ -145,16 +145,8 @@ protected:
 
 // AddressSanitizer forks with its own locks held, and takes the stack of a cancelled thread for
 // broken.
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define KESTA_TEST_WITH_ADDRESS_SANITIZER
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(KESTA_TEST_WITH_ADDRESS_SANITIZER)
-inline constexpr bool addressSanitizer = true;
-#else
-inline constexpr bool addressSanitizer = false;
-#endif
+extern "C" [[gnu::weak]] void __asan_init();
+inline const bool addressSanitizer = &__asan_init != nullptr;
 
 /// Runs a check in a child, where a crash, a hang or a change of the process does no harm.
 template <class Check>

@@ -13,26 +13,23 @@
 
 int main()
 {
+    std::cout << KESTA_VERSION_MAJOR << '.' << KESTA_VERSION_MINOR << '.' << KESTA_VERSION_PATCH
+              << '\n';
     const CKestaEntry entry;
     const KestaIPRange range("10.1.*.*");
-    const KestaIPv4Address inside("10.1.2.3"), outside("10.2.0.1");
-    bool good = range.isMember(&inside) && !range.isMember(&outside);
-
+    const KestaIPv4Address inside("10.1.2.3");
     CKestaMap<CKestaString, CKestaDate> dates;
     dates.add("release", CKestaDate("2/29/2000"));
-    good = good && (dates.get("release") + 1).getDateString(CKestaDate::DDMMYYYY) == "01/03/2000";
-
-    bool caught = false;
+    const CKestaString after = (dates.get("release") + 1).getDateString(CKestaDate::DDMMYYYY);
+    if (!range.isMember(&inside) || after != "01/03/2000")
+        return 1;
     try
     {
         const KestaIPRange refused("no address");
     }
     catch (const CKestaExc& exc)   // the type is one and the same on both sides
     {
-        caught = exc.GetErrorMessage() == "Not a valid IP address no address";
+        return exc.GetErrorMessage() == "Not a valid IP address no address" ? 0 : 1;
     }
-
-    std::cout << KESTA_VERSION_MAJOR << '.' << KESTA_VERSION_MINOR << '.' << KESTA_VERSION_PATCH
-              << '\n';
-    return good && caught ? 0 : 1;
+    return 1;
 }

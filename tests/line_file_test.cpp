@@ -1,0 +1,109 @@
+#include "support.h"
+
+#include "KestaLineFile.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+using LineFileTest = TraceFixture;
+
+TEST_F(LineFileTest, Modes)
+{
+    const std::string marks("\xFE\xFF"), end("\0\n", 2), refused("! Error in Opening the file:");
+    const std::tuple<const char*, bool, std::string, std::string> rows[] = {
+        // mode, enciphered, what the file holds before and afterwards
+        {"r", false, "old\n", "old\n"}, {"r+", false, "old\n", "x\nd\n"}, {"q", false, "", refused},
+        {"r", false, "pipe", refused}, {"a", false, "pipe", refused},
+        {"w", true, "old\n", marks + "x\n" + end}, {"wx", false, "", "x\n"},
+        {"wx", false, "old\n", refused}, {"ax", false, "old\n", refused},
+        {"a", true, "old\n", "old\nx\n" + end}, {"a", true, "", marks + "x\n" + end},
+        {"a+b", true, "old\n", "old\n" + marks + "x\n" + end}, {"", false, "old\n", refused}};
+    for (const auto& [mode, enciphered, before, after] : rows)
+    {
+        const std::string path = dir + "file";
+        std::filesystem::remove(path);
+        if (before == "pipe")
+            mkfifo(path.c_str(), 0600);
+        else if (!before.empty())
+            std::ofstream(path) << before;
+        CKestaLineFile file;
+        bool written = false;
+        const std::string error = errorOf(
+            [&, &mode = mode, &enciphered = enciphered]
+            {
+                file.open(path, mode, enciphered);
+                written = file.writeLine("x\n");
+            });
+        const std::string got = error.empty() ? fileText(path) : replaced(error, path, "");
+        EXPECT_EQ(got, after) << mode << " on " << before;
+        EXPECT_EQ(written, got != before && error.empty()) << mode;
+        file.close();
+        EXPECT_FALSE(file.writeLine("x\n")) << mode;
+    }
+}
+
+TEST_F(LineFileTest, RollsOverWhatStandsAtThePath)
+{
+    const std::tuple<std::string, bool, std::string> rows[] = {
+        // where the log was moved meanwhile; locked by another; what is rolled over
+        {"", false, "own\n"}, {"", true, ""}, {"new", false, "own\n"}, {"x", false, "another\n"}};
+    for (const auto& [moved, locked, want] : rows)
+    {
+        const std::string path = dir + "file", newPath = dir + "new";
+        std::filesystem::remove(newPath);
+        CKestaLineFile file;
+        file.open(path, "wb", false);
+        file.writeLine("own\n");
+        if (!moved.empty())
+        {
+            std::filesystem::rename(path, dir + moved);
+            std::ofstream(path) << "another\n";
+        }
+        const int other = open(path.c_str(), O_RDONLY);
+        flock(other, locked ? LOCK_EX : LOCK_UN);
+        errno = EWOULDBLOCK;   // of an earlier call
+        file.rollOver(path, newPath, 3);
+        close(other);
+        EXPECT_EQ(fileText(newPath), want) << moved << locked;
+        EXPECT_FALSE(file.isOpen());
+    }
+}
+
+// A line for which there is no room is lost; nothing of it comes later, and later lines are whole.
+TEST_F(LineFileTest, EndsATornLine)
+{
+    const std::string end("\0\n", 2), frame = "\n" + end,
+                                      start = "\xFE\xFF"
+                                              "first" +
+                                              frame;
+    const std::tuple<const char*, bool, bool, std::string> rows[] = {
+        // mode; whether lines are enciphered; whether the file is emptied meanwhile
+        {"a+b", false, false, "first\nno room\nthird\n"}, {"a+b", false, true, "third\n"},
+        {"a+b", true, false, start + "no room" + end + "third" + frame},
+        {"ab", false, false, "first\nno roomthird\n"}};   // whose end can't be looked at
+    for (const auto& row : rows)
+        inChild(
+            [&]
+            {
+                const auto& [mode, enciphered, emptied, want] = row;
+                const std::string path = dir + "file";
+                std::filesystem::remove(path);
+                rlimit limit{(enciphered ? start : "first\n").size() + 7, RLIM_INFINITY};
+                setrlimit(RLIMIT_FSIZE, &limit);
+                CKestaLineFile file;
+                file.open(path, mode, enciphered);
+                EXPECT_TRUE(file.writeLine("first\n"));
+                EXPECT_FALSE(file.writeLine("no room for this\n"));
+                EXPECT_FALSE(file.writeLine("nor for this\n"));
+                limit.rlim_cur = RLIM_INFINITY;
+                setrlimit(RLIMIT_FSIZE, &limit);
+                if (emptied)
+                    std::filesystem::resize_file(path, 0);
+                EXPECT_TRUE(file.writeLine("third\n"));
+                EXPECT_EQ(fileText(path), want);
+            });
+}
