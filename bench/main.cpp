@@ -9,7 +9,7 @@ std::size_t allocations()
     return allocated;
 }
 
-// Not inlined, because g++ would take the pair of malloc and delete for a mistake.
+// Not inlined, because g++ would warn of the pair of malloc and delete.
 [[gnu::noinline]] void* operator new(std::size_t size)
 {
     ++allocated;

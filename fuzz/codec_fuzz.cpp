@@ -29,7 +29,7 @@ void check(int family, const std::string& bytes, Read read, ReadBySystem readByS
 
 }   // namespace
 
-/// A text; or the bytes of an address.
+/// Input: a text, or the bytes of an address.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string bytes(data, data + size);

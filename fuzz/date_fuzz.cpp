@@ -35,7 +35,7 @@ Fields parsed(const std::string& text)
     return {numbers[0], numbers[1], numbers[2]};
 }
 
-/// Midnight UTC so many days after a date, -1 when there is none.
+/// Midnight UTC a number of days after a date; -1 if there is none.
 long timeOf(const Fields& fields, long days)
 {
     std::tm time = {};
@@ -67,7 +67,7 @@ void checkClamping(int month, int day, int year)
 
 }   // namespace
 
-/// Two dates; a number of days, of seconds.
+/// Input: two dates; a number of days, and one of seconds.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const auto input = fields(data, size, 4);
@@ -83,7 +83,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const long time = timeOf(own, 0), otherTime = timeOf(others, 0), later = timeOf(own, days);
     for (const char* zone : {"CET-1CEST,M3.5.0,M10.5.0/3", "UTC0"})
     {
-        setenv("TZ", zone, 1);   // where not all days are equally long, and where they are
+        setenv("TZ", zone, 1);   // with daylight-saving time, and without
         const long midnight = date.getTime();
         std::tm local = {};
         CHECK(time == -1 || (localtime_r(&midnight, &local) != nullptr && local.tm_hour == 0));

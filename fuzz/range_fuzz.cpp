@@ -25,7 +25,7 @@ std::string bytesOf(const std::string& text, int family)
     return inet_pton(AF_INET6, address.c_str(), bytes) == 1 ? std::string(bytes, 16) : "";
 }
 
-/// The bytes that an address shows to a comparison by this family.
+/// The bytes of an address that a comparison by this family looks at.
 std::string bytesOf(const KestaIPAddress* address, int family)
 {
     const sockaddr_storage storage = address->getSockAddress();
@@ -40,7 +40,7 @@ std::string starsAs(std::string text, const char* number)
     return text;
 }
 
-/// The number of leading bits that all addresses between two have; -1 when these are no block.
+/// The number of leading bits that all addresses between two share; -1 if they are not a block.
 int blockPrefix(const std::string& start, const std::string& end)
 {
     int prefix = 0;
@@ -76,7 +76,7 @@ void checkEnds(const std::string& text, const Ends& ends)
     }
 }
 
-/// A range, and the bytes of its ends; null for a text that is refused.
+/// A range and the bytes of its ends; null for a text that is refused.
 std::unique_ptr<KestaIPRange> made(const std::string& text, Ends& ends)
 try
 {
@@ -111,7 +111,7 @@ void check(const std::string& text, const std::string& otherText)
 
 }   // namespace
 
-/// A digit of flags and the text of a range; another range.
+/// Input: a digit of flags and the text of a range; another range.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const auto input = fields(data, size, 2);
@@ -126,7 +126,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     };
     checkInput();
 
-    // Once more with everything traced, into a log that keeps nothing.
+    // Again with everything traced, into a log that keeps nothing.
     std::error_code isThere;
     std::filesystem::create_directory("traced", isThere);
     std::filesystem::create_symlink("/dev/null", "traced/KestaDebug_C.log", isThere);

@@ -1,5 +1,5 @@
-// In place of a fuzzer: asks its checks about each of its seeds, and about each seed with one byte
-// taken out, or preceded by another. Long seeds are changed in a hundred places.
+// In place of a fuzzer: runs its checks on each of its seeds, and on each seed with a byte removed
+// or inserted. Long seeds are changed in a hundred places.
 
 #include "fuzz.h"
 

@@ -57,7 +57,7 @@ void checkQuestions(const CKestaString& text, const CKestaString& other)
 
 }   // namespace
 
-/// Letters, each an operation; a delimiter; a second text; the text.
+/// Input: letters, each an operation; a delimiter; a second text; the text.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const auto input = fields(data, size, 4);
@@ -78,7 +78,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
             if (!model.text.empty())
                 model = {operation == 't' ? trimmed(cut) : withoutSpaces(cut)};
         }
-        else if (operation == 'h')   // halved behind the tokeniser's back
+        else if (operation == 'h')   // halves the text between two tokens
         {
             text.resize(text.size() / 2);
             model.text.resize(text.size());

@@ -22,7 +22,7 @@ TEST_F(AddressTest, TextsAndTheirTraces)
     EXPECT_EQ(out.str(), "10.1%eth0 FE80::1%2");
 }
 
-/// Asks each operation that compares, of addresses that are each below the next.
+/// Calls each comparison, on addresses in ascending order.
 template <class Address, class Socket>
 static void checkOrder(const Address (&row)[4], int (Address::*compare)(const Socket*) const)
 {
@@ -81,7 +81,7 @@ TEST_F(AddressTest, Values)
     EXPECT_EQ(std::pair(set4.size(), set6.size()), std::pair(std::size_t(2), std::size_t(2)));
 }
 
-// Hosts derive address classes with plain operators, and bring operators of their own.
+// Hosts derive address classes with operators that are not const, and have operators of their own.
 template <class Base>
 struct Derived : Base
 {
@@ -119,8 +119,8 @@ TEST_F(AddressTest, HostsMayBringTheirOwn)
 
 TEST_F(AddressTest, ClassCheckUnderAllFlags)
 {
-    // 1 is excluded as link-local, 2 as site-local, 4 as multicast, 8 always; 0 and loopback, 16,
-    // never
+    // 1: excluded as link-local; 2: as site-local; 4: as multicast; 8: always; 0, and 16 for
+    // loopback: never
     const std::pair<const char*, int> rows[] = {{"0.0.0.0", 8}, {"127.0.0.1", 16}, {"10.0.0.1", 2},
         {"172.15.0.1", 0}, {"172.16.0.1", 2}, {"172.31.255.255", 2}, {"172.32.0.1", 0},
         {"192.168.1.1", 2}, {"169.254.1.1", 1}, {"169.255.1.1", 0}, {"192.169.1.1", 0},

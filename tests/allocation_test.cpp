@@ -13,7 +13,7 @@
 
 static std::atomic<int> allocations{0};
 
-/// The allocation that fails, counted from now on, and whether all after it do, too.
+/// Which allocation from now on fails, and whether all later ones fail, too.
 static struct
 {
     int next = 0;   // 0: none
@@ -21,7 +21,7 @@ static struct
     bool happened = false;
 } failure;
 
-// Not inlined, because g++ would take the pair of malloc and delete for a mistake.
+// Not inlined, because g++ would warn of the pair of malloc and delete.
 [[gnu::noinline]] void* operator new(std::size_t size)
 {
     ++allocations;
@@ -42,7 +42,7 @@ static struct
 
 typedef std::set<std::string> Outcomes;
 
-/// What comes of an operation whose n-th allocation fails, for every n that it has.
+/// The outcomes of an operation when its n-th allocation fails, for every n.
 template <class Work>
 static Outcomes outcomes(bool lasting, Work work)
 {
@@ -124,7 +124,7 @@ TEST_F(MemoryTest, MayFailAnywhere)
     const std::function<void()> traces[] = {[&] { KESTA_DEBUG2(longText, longText, 3); },
         [&] { CKestaDebug::logMessage(longText, text, text, 3); },
         [&] { CKestaDebug::logMessage(exc); }, [&] { CKestaDebug::writeMessage(longText); }};
-    // Hangs in the next attempt when one that failed holds the mutex.
+    // The next attempt hangs if a failed one still holds the mutex.
     const auto begin = [] { initialize(), unInitialize(); };
     for (const bool lasting : {false, true})
     {
@@ -156,7 +156,7 @@ TEST_F(MemoryTest, FailuresOfRangesAreErrorObjects)
         EXPECT_EQ(outcomes(lasting, rangeOf("localhost")), Outcomes{"Unknown Error"});
         EXPECT_EQ(outcomes(lasting, rangeOf("2001:db8::/32")),
             Outcomes{lasting ? "Unknown Error" : "Unknown Exception"});
-        EXPECT_EQ(outcomes(lasting, makeEnd),   // whose message itself needs memory
+        EXPECT_EQ(outcomes(lasting, makeEnd),   // the message itself needs memory
             Outcomes{lasting ? "bad_alloc" : "Unknown Exception"});
         EXPECT_EQ(end, nullptr);
     }
@@ -175,7 +175,7 @@ TEST(RangeSet, IsBuiltAgainAfterAFailure)
 {
     const KestaIPRange once("10.9.*.*"), inner("10.1.2.*"), outer("10.1.*.*");
     const KestaIPv4Address inOnce("10.9.0.1"), inOuter("10.1.3.4"), out("10.2.0.0");
-    KestaIPRangeSet set;   // each attempt goes on with what the one before has left
+    KestaIPRangeSet set;   // each attempt continues with what the last one left
     set.add(once);
     const auto outcome = outcomes(false,
         [&]

@@ -119,9 +119,9 @@ TEST(Vector, RemoveSkipsTheNeighbour)
             vector.push_back({c});
         try
         {
-            vector.remove(vector[0]);   // which moves while it is compared with
+            vector.remove(vector[0]);   // moves while others are compared with it
         }
-        catch (char)   // what was found before stays removed
+        catch (char)   // the items found before stay removed
         {
         }
         const CKestaVector<Item> copy(std::move(vector));

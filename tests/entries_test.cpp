@@ -15,7 +15,7 @@ using EntriesTest = TraceFixture;
 
 static void inThread(const std::function<void()>& work) { std::thread(work).join(); }
 
-/// A thread that has begun its work.
+/// A thread that has started its work.
 static std::thread begun(const std::function<void()>& work)
 {
     std::promise<void> promise;
@@ -39,7 +39,7 @@ static bool mutexIsFree()
     return free;
 }
 
-// What another thread does while this one is in an entry with tracing, and what becomes of it.
+// What another thread does while this one is in an entry with tracing, and the resulting log.
 TEST_F(EntriesTest, OfAnotherThreadKeepTheLog)
 {
     const auto trace = [] { KESTA_DEBUG1("other", 1); };
@@ -88,7 +88,7 @@ TEST_F(EntriesTest, OfAnotherThreadKeepTheLog)
             });
 }
 
-// Each entry is written whole or not at all, and lines of threads without an entry stand between.
+// Each entry is written whole or not at all; lines of threads without an entry stand in between.
 TEST_F(EntriesTest, StayWholeWhileTheConfigurationChanges)
 {
     configure("DEBUGITEMS=0");
@@ -159,7 +159,7 @@ TEST_F(EntriesTest, HostsMayHoldTheMutexThemselves)
         std::filesystem::remove(logPath());
         pthread_mutex_lock(&ghMutex);
         std::thread waiting = begun([this] { traceLine("waited"); });
-        usleep(1000);   // in which it mostly gets as far as that
+        usleep(1000);   // usually long enough to get there
         release();
         waiting.join();
         EXPECT_EQ(messages(), Lines{"waited"});
@@ -211,7 +211,7 @@ TEST_F(EntriesTest, EndWithTheirThread)
     EXPECT_EQ(fileText(oldLogPath()), "[MSG]:FH:not ended\n") << "rolled over";
 }
 
-// Threads are cancelled wherever they may be; each time the next entry must find all in order.
+// Threads are cancelled at any point; each time the next entry must find everything in order.
 TEST_F(EntriesTest, OfCancelledThreadsEnd)
 {
     if (addressSanitizer)
@@ -303,8 +303,8 @@ TEST_F(EntriesTest, OfForkedChildren)
     EXPECT_EQ(std::count(all.begin(), all.end(), "child"), 20);
 }
 
-// A child may go on with the entry that it was forked in, end it, or make one of its own; the log
-// is the parent's to roll over.
+// A child may continue the entry in which it was forked, end it, or make one of its own; only the
+// parent rolls the log over.
 TEST_F(EntriesTest, OfTheParentAreNotTheChildsToRollOver)
 {
     configure("DEBUG=N\nDEBUGFILEPATH=" + dir + "missing");
@@ -335,7 +335,7 @@ TEST_F(EntriesTest, OfTheParentAreNotTheChildsToRollOver)
     EXPECT_EQ(Lines(fileText(oldLogPath())).size(), 3u);
 }
 
-// Two processes have the log open; the one that comes second must not roll over its successor.
+// Two processes have the log open; the second to end must not roll over the new log.
 TEST_F(EntriesTest, OfTwoProcessesLoseNoFullLog)
 {
     configure("DEBUGSIZE=0");
@@ -350,7 +350,7 @@ TEST_F(EntriesTest, OfTwoProcessesLoseNoFullLog)
     }
     int status = -1;
     waitpid(second, &status, WUNTRACED);
-    traceLine("first");   // and rolls over
+    traceLine("first");   // also rolls the log over
     configure("");
     traceLine("next");
     kill(second, SIGCONT);

@@ -1,5 +1,5 @@
-// The library is loaded and unloaded again and again, and used by a handler that was registered
-// before it was loaded, and so runs after its own.
+// The library is loaded and unloaded many times, and used by an exit handler that was registered
+// before it was loaded, and so runs after the library's own.
 
 #include <cstdlib>
 #include <filesystem>

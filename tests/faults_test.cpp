@@ -1,5 +1,5 @@
-// Whatever happens to its files, the library neither crashes nor hangs nor throws, and what it can
-// write it writes whole. Each case runs in a child, as a user whom permissions bind.
+// Whatever happens to its files, the library neither crashes nor hangs nor throws, and it writes
+// whole lines. Each case runs in a child, as an unprivileged user.
 
 #include "support.h"
 
@@ -24,11 +24,12 @@ protected:
         shell("chown -R 65534:65534 .");
         ASSERT_EQ(setgid(65534), 0);
         ASSERT_EQ(setuid(65534), 0);
-        prctl(PR_SET_DUMPABLE, 1);   // the sanitizers look at /proc/self
+        prctl(PR_SET_DUMPABLE, 1);   // the sanitizers read /proc/self
     }
 };
 
-// The first entry meets the fault, from its start or from its midst on; the last meets it repaired.
+// The fault is there when the first entry starts, or appears during it; the last entry finds it
+// repaired.
 TEST_F(FaultsTest, OfTheFileSystem)
 {
     const std::string ini = "conf/KestaDebug.ini", away = "mv " + ini + " x; ",
@@ -123,5 +124,5 @@ TEST_F(FaultsTest, ConfigurationLineOf100MB)
         });
 }
 
-// Freed memory that the sanitizer holds back is not the library's.
+// The sanitizer keeps freed memory for a while; that is not the library's.
 extern "C" const char* __asan_default_options() { return "quarantine_size_mb=1"; }

@@ -1,4 +1,4 @@
-// The scanner of kesta filter, fed by pieces of any size.
+// The scanner of kesta filter, fed with pieces of any size.
 
 #include "filter_sink.h"
 
@@ -33,7 +33,7 @@ static const Row rows[] = {{"10.1.2.3 a", in}, {"10.1.255.255,", in}, {"10.2.0.1
     {std::string("10.1.2.3\0 x", 11), unread, std::string("10.1.2.3\0", 9)},
     {"1:2::3:10.1.2.3", out}, {"10.1.2.3", in}};
 
-/// Scans the rows, as pieces that end at the given places, and a second file.
+/// Scans the rows, in pieces that end at the given places, and then a second file.
 static Found scan(
     bool invert, bool asMapped, std::vector<std::size_t> ends, const std::string& text)
 {
@@ -47,7 +47,7 @@ static Found scan(
     ends.push_back(text.size());
     for (const std::size_t end : ends)
     {
-        scanner.feed(std::string(text, start, end - start));   // which goes away at once
+        scanner.feed(std::string(text, start, end - start));   // a temporary: gone after the call
         start = end;
     }
     scanner.finish();

@@ -15,7 +15,7 @@ TEST_F(LineFileTest, Modes)
 {
     const std::string marks("\xFE\xFF"), end("\0\n", 2), refused("! Error in Opening the file:");
     const std::tuple<const char*, bool, std::string, std::string> rows[] = {
-        // mode, enciphered, what the file holds before and afterwards
+        // mode, enciphered, contents of the file before and afterwards
         {"r", false, "old\n", "old\n"}, {"r+", false, "old\n", "x\nd\n"}, {"q", false, "", refused},
         {"r", false, "pipe", refused}, {"a", false, "pipe", refused},
         {"w", true, "old\n", marks + "x\n" + end}, {"wx", false, "", "x\n"},
@@ -49,7 +49,7 @@ TEST_F(LineFileTest, Modes)
 TEST_F(LineFileTest, RollsOverWhatStandsAtThePath)
 {
     const std::tuple<std::string, bool, std::string> rows[] = {
-        // where the log was moved meanwhile; locked by another; what is rolled over
+        // where the log was moved; whether another locks it; what is rolled over
         {"", false, "own\n"}, {"", true, ""}, {"new", false, "own\n"}, {"x", false, "another\n"}};
     for (const auto& [moved, locked, want] : rows)
     {
@@ -65,7 +65,7 @@ TEST_F(LineFileTest, RollsOverWhatStandsAtThePath)
         }
         const int other = open(path.c_str(), O_RDONLY);
         flock(other, locked ? LOCK_EX : LOCK_UN);
-        errno = EWOULDBLOCK;   // of an earlier call
+        errno = EWOULDBLOCK;   // left over from an earlier call
         file.rollOver(path, newPath, 3);
         close(other);
         EXPECT_EQ(fileText(newPath), want) << moved << locked;
@@ -73,7 +73,7 @@ TEST_F(LineFileTest, RollsOverWhatStandsAtThePath)
     }
 }
 
-// A line for which there is no room is lost; nothing of it comes later, and later lines are whole.
+// A line for which there is no room is lost and not written later; later lines are whole.
 TEST_F(LineFileTest, EndsATornLine)
 {
     const std::string end("\0\n", 2), frame = "\n" + end,
@@ -81,10 +81,10 @@ TEST_F(LineFileTest, EndsATornLine)
                                               "first" +
                                               frame;
     const std::tuple<const char*, bool, bool, std::string> rows[] = {
-        // mode; whether lines are enciphered; whether the file is emptied meanwhile
+        // mode; whether lines are enciphered; whether the file is emptied in between
         {"a+b", false, false, "first\nno room\nthird\n"}, {"a+b", false, true, "third\n"},
         {"a+b", true, false, start + "no room" + end + "third" + frame},
-        {"ab", false, false, "first\nno roomthird\n"}};   // whose end can't be looked at
+        {"ab", false, false, "first\nno roomthird\n"}};   // its end can't be read
     for (const auto& row : rows)
         inChild(
             [&]

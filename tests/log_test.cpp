@@ -1,4 +1,4 @@
-// kesta log: what becomes of the bytes of a log.
+// kesta log: the text that it makes of a log's bytes.
 
 #include "KestaLogDecoder.h"
 
@@ -24,11 +24,11 @@ TEST(LogDecoder, Bytes)
     const std::pair<std::string, std::string> rows[] = {{"", ""}, {"\n\n", "\n\n"},
         {"plain", "plain\n"}, {a + end + "[MSG]:b" + end, "[MSG]:a\n[MSG]:b\n"},
         {mark + "cipher" + nul + "\nmore" + nul + "\n", "cipher\nmore\n"},
-        // torn, and written on by another process
+        // torn, and continued by another process
         {a + a + end, "[MSG]:a\n[MSG]:a\n"}, {a + "\n" + nul + a + end, "[MSG]:a\n[MSG]:a\n"},
         {"\xFE" + a + end, "[MSG]:a\n"}, {a + end + "\xFE", "[MSG]:a\n"}, {"\xFE" + nul, ""},
         {a + end + nul + "\n", "[MSG]:a\n"}, {"a" + nul + nul + "b", "a\nb\n"},
-        // a mark that is none: no item type follows
+        // not a mark: no item type follows
         {"a" + mark + "b\xFE", "a" + mark + "b\xFE\n"}, {"a" + mark + "[MS", "a" + mark + "[MS\n"},
         {"a" + mark + "[MsG]:", "a" + mark + "[MsG]:\n"},
         {"a" + mark + "[]:", "a" + mark + "[]:\n"}, {"a" + mark + "[AZ]:", "a\n[AZ]:\n"},

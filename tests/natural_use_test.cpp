@@ -1,5 +1,5 @@
-// What hosts write without thinking compiles in either standard, links without optimisation, and
-// means the obvious: one row an expression. What a host has of its own wins over what we add.
+// What hosts naturally write compiles in both standards, links without optimisation, and does what
+// it says: one expression per row. A host's own functions win over those that we add.
 
 #include "support.h"
 
@@ -17,7 +17,7 @@
 
 struct Acme
 {
-    static const int port = 80;   // declared only: there is no object to refer to
+    static const int port = 80;   // only declared: there is no object to refer to
     static const char separator = ';';
     enum Kind
     {
@@ -69,7 +69,7 @@ std::ostream& operator<<(std::ostream& os, const CKestaExc&) { return os << "own
 static const char* overloaded(const CKestaExc&) { return "error"; }
 [[maybe_unused]] static const char* overloaded(const CKestaDate&) { return "date"; }
 
-/// What an expression gives; a CKestaString is told apart from a std::string.
+/// The value of an expression; a CKestaString is distinguished from a std::string.
 template <class T>
 static std::string shown(const T& value)
 {
@@ -214,7 +214,7 @@ TEST(NaturalUse, AddressesAndVersion)
     const KestaIPv4Address address("10.1.2.3");
     const CKestaArray<KestaIPv4Address> in;
     CKestaArray<KestaIPv4Address> kept;
-    [[maybe_unused]] const CKestaDebug debug;   // whose operations are all static
+    [[maybe_unused]] const CKestaDebug debug;   // its operations are all static
     [[maybe_unused]] const CKestaConfiguration configuration;
     KestaIPUtilities::getfilteredIPv4Addresses(kept, in);
     std::ostringstream version;

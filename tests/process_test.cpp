@@ -1,4 +1,4 @@
-// The log when processes die, fork and execute others, and when threads share the library.
+// The log when processes die, fork or execute others, and when threads share the library.
 
 #include "support.h"
 
@@ -19,7 +19,7 @@ TEST_F(ProcessTest, LinesSurviveSigkill)
 {
     std::mt19937 random(1);
     void* shared = mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    auto& returned = *new (shared) std::atomic<std::size_t>;   // the calls that came back
+    auto& returned = *new (shared) std::atomic<std::size_t>;   // the calls that returned
     for (int death = 0; death < 200; ++death)
     {
         configure(death % 2 ? "DEBUGLEVEL=3" : "");

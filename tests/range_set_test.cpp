@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <random>
 
-/// The first of the ranges that holds an address, asked one by one.
+/// The first range that holds an address, found by asking one after the other.
 static long firstOf(const std::vector<KestaIPRange>& ranges, const KestaIPAddress& address)
 {
     const int family = address.viewSockAddress().ss_family == AF_INET6 ? 6 : 4;
@@ -42,7 +42,7 @@ TEST(RangeSet, AnswersAsItsRangesDo)
             ranges.emplace_back(textOf(rangeForms, random));
             EXPECT_EQ(set.add(ranges.back()), ranges.size() - 1);
             if (random() % count == 0)
-                set.build();   // and go on
+                set.build();   // more are added later
         }
         set.build();
         EXPECT_EQ(set.size(), count);
@@ -51,7 +51,7 @@ TEST(RangeSet, AnswersAsItsRangesDo)
             const std::string text = textOf(addressForms, random);
             sockaddr_storage socket = socketOf(text);
             const bool is6 = socket.ss_family == AF_INET6;
-            KestaIPv4Address address("1.1.1.1");   // whose class does not matter
+            KestaIPv4Address address("1.1.1.1");   // its class does not matter
             address.setSockAddress(socket);
             const long want = firstOf(ranges, address);
             const auto& in = reinterpret_cast<const sockaddr_in&>(socket).sin_addr;
@@ -81,7 +81,7 @@ TEST(RangeSet, IsAskedWhenBuilt)
     set.build();
     EXPECT_EQ(set.indexOf(&high), 1);
     KestaIPRange turned("10.1.*.*");
-    turned.getStartAddress()->setSockAddress(socketOf("10.2.0.0"));   // behind its end
+    turned.getStartAddress()->setSockAddress(socketOf("10.2.0.0"));   // after its end
     set.add(turned);
     set.build();
     KestaIPRangeSet moved(std::move(set)), assigned;

@@ -8,7 +8,7 @@
 
 using RangeTest = TraceFixture;
 
-// A text is no question for membership: it would become a range, and be asked the wrong way round.
+// Membership takes no text: it would become a range, and the wrong question would be asked.
 template <class What, class = decltype(KestaIPRange().isMember(std::declval<What>()))>
 static std::true_type canAsk(int);
 template <class What>
@@ -49,7 +49,7 @@ TEST_F(RangeTest, TracesOfTheForms)
         {"2001:a000::/20x", startTested + startValid + endMade +
                                 screened("2001:a000::", "2001:afff:ffff:ffff:" + f) + pass6},
         {"*", wildcard("0000::", f + ":" + f)},
-        {"fe80:*", wildcard("fe80::", "fe80:ffff:ffff:ffff:" + f)},   // which no flag refuses
+        {"fe80:*", wildcard("fe80::", "fe80:ffff:ffff:ffff:" + f)},   // no flag refuses it
         {"2001:db8:1*", wildcard("2001:db8:1000::", "2001:db8:1fff:ffff:" + f)},
         {"1:2:3:4:5:6:*", wildcard("1:2:3:4:5:6::", "1:2:3:4:5:6:ffff:ffff")},
         {"1:2:3:4:5:6:7*", wildcard("1:2:3:4:5:6:7000:0000", "1:2:3:4:5:6:7fff:ffff")},

@@ -32,13 +32,13 @@ TEST(String, CopiesAndComparisonsStopAtNul)
     assigned = text;
     const std::pair<std::string, std::size_t> rows[] = {{CKestaString(text), 2}, {assigned, 2},
         {CKestaString(withNul), 2}, {CKestaString(std::string_view(withNul)), 2},
-        {CKestaString("x") + text, 6}, {text + "x", 3}};   // the right side is taken whole
+        {CKestaString("x") + text, 6}, {text + "x", 3}};   // the right side keeps its NUL bytes
     for (const auto& [got, size] : rows)
         EXPECT_EQ(got.size(), size) << got;
     EXPECT_EQ(text, "ab");
 }
 
-/// The tokens from the cursor on, each in brackets.
+/// The tokens from the cursor on, each in square brackets.
 static std::string rest(const CKestaString& text)
 {
     std::string all;

@@ -20,7 +20,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// Lines of a log, or of any text; sequences are put together with "+".
+/// Lines of a log, or of any text; "+" joins sequences.
 struct Lines : std::vector<std::string>
 {
     using std::vector<std::string>::vector;
@@ -58,7 +58,7 @@ inline void setExclusions(bool linkLocal, bool siteLocal, bool multicast)
     KestaIPv4Address::m_bIPv4MutliCast = KestaIPv6Address::m_bIPv6MutliCast = multicast;
 }
 
-/// The socket address that a text of either family stands for.
+/// The socket address of a text of either family.
 inline sockaddr_storage socketOf(const std::string& text)
 {
     return text.find(':') == text.npos ? KestaIPv4Address(text).getSockAddress()
@@ -78,8 +78,8 @@ catch (const CKestaExc& exc)
     return "! " + exc.GetErrorMessage();
 }
 
-/// A temporary installation directory, which is the data directory, too. It starts with the plain
-/// log on and large enough never to be rolled over.
+/// A temporary installation directory, which is also the data directory. At first the plain log is
+/// on, with a size limit that is never reached.
 class TraceFixture : public testing::Test
 {
 protected:
@@ -96,8 +96,8 @@ protected:
     }
     ~TraceFixture() override { std::filesystem::remove_all(dir); }
 
-    /// Writes the configuration: the defaults, then lines that take their place. Whoever reads it
-    /// meanwhile gets the file as it was or as it is then.
+    /// Writes the configuration: the defaults, then lines that override them. Readers see either
+    /// the old file or the new one.
     void configure(const std::string& lines) const
     {
         const std::string file = dir + "conf/KestaDebug.ini";
@@ -117,7 +117,7 @@ protected:
         std::string text = replaced(log(), std::string("\n\0\n", 3), "\n");
         text = replaced(replaced(text, std::string("\0\n", 2), "\n"), "\xFE\xFF", "");
         if (!text.empty() && text.back() == '\0')
-            text.pop_back();   // of a frame that was torn before its last byte
+            text.pop_back();   // of a frame that lacks its last byte
         return Lines(replaced(text, "[MSG]:FH:", ""));
     }
 
@@ -143,8 +143,8 @@ protected:
     std::string dir;
 };
 
-// AddressSanitizer forks with its own locks held, and takes the stack of a cancelled thread for
-// broken.
+// AddressSanitizer forks with its own locks held, and reports the stack of a cancelled thread as
+// corrupt.
 extern "C" [[gnu::weak]] void __asan_init();
 inline const bool addressSanitizer = &__asan_init != nullptr;
 
@@ -168,7 +168,7 @@ void inChild(Check check)
     EXPECT_EQ(status, 0) << "the child failed, crashed or hung";
 }
 
-// The traces of the operations that others are made of.
+// The traces of the operations that other operations call.
 inline const Lines parsed4{"FH:In KestaIPUtilities::convertIPv4StringToAddress() ",
     "FH:Out KestaIPUtilities::convertIPv4StringToAddress "};
 inline const Lines parsed6{"FH:In KestaIPUtilities::convertIPv6StringToAddress()",

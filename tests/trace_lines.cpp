@@ -1,5 +1,5 @@
-// A host for transcripts: traces the lines of standard input, one in each entry or as many as its
-// argument says.
+// A host for transcripts: traces the lines of standard input, one per entry, or as many per entry
+// as its argument says.
 
 #include "KestaDebug.h"
 #include "KestaEntry.h"

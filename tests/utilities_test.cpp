@@ -1,4 +1,4 @@
-// The system calls that the library makes about its host are answered by fixed_host.cpp.
+// fixed_host.cpp answers the library's system calls about its host.
 
 #include "support.h"
 
@@ -34,8 +34,8 @@ protected:
         return all;
     }
 
-    /// The trace of a filter. "-" precedes what the class check refuses, "~" what is dropped
-    /// without a line.
+    /// The trace of a filter. "-" precedes an address that the class check refuses, "~" one that is
+    /// dropped without a line.
     static Lines filtered(const std::string& family, const std::vector<std::string>& texts)
     {
         const std::string get = "KestaIPUtilities::getfiltered" + family + "Addresses";
@@ -160,7 +160,7 @@ TEST_F(UtilitiesTest, Prefixes)
     {
         std::string start;
         int length;
-        std::string rest, end;   // of the start, and of the block
+        std::string rest, end;   // the rest of the start, the end of the block
     } rows[] = {{e, -1, e, "ffff:ffff:" + f}, {e, 0, e, "ffff:ffff:" + f},
         {e, 32, "0:0:ff80::1", "2001:db8:" + f}, {e, 33, "0:0:7f80::1", "2001:db8:" + f},
         {e, 42, "::1", "2001:db8:ffbf:ffff:ffff:ffff:ffff:ffff"}, {e, 127, "::1", e},
