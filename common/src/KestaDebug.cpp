@@ -146,7 +146,7 @@ void CKestaDebug::logText(std::string_view itemType, std::string_view source,
 try
 {
     constexpr std::size_t ulPunctuation = 16;   // and the frame of an enciphered line
-    pthread_testcancel();   // the only place where a trace call heeds it: a line is written whole
+    pthread_testcancel();   // a trace call is cancelled only here: lines stay whole
     std::string strLine;
     strLine.reserve(itemType.size() + source.size() + message.size() + ulPunctuation);
     strLine += '[';

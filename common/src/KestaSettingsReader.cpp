@@ -109,7 +109,7 @@ void CKestaSettingsReader::fill()
         {
             m_ulEnd += static_cast<std::size_t>(lRead);
             m_lUnread -= lRead;
-            m_bAtEnd = m_lUnread == 0;   // which saves a read; some systems call each file empty
+            m_bAtEnd = m_lUnread == 0;   // saves a read; in /proc every file has size 0
         }
         else
             m_bAtEnd = lRead == 0 || errno != EINTR;
