@@ -136,8 +136,7 @@ public:
     /// What `KESTA_DEBUG1` and `KESTA_DEBUG2` do with a line that is to be traced: makes texts of
     /// the arguments and writes the line. Never inlined, so that only the test before it is.
     template <class TSource, class TMessage>
-    [[gnu::cold, gnu::noinline]] static void trace(const TSource& source, const TMessage& message,
-                                                   int iLevel)
+    [[gnu::noinline]] static void trace(const TSource& source, const TMessage& message, int iLevel)
     {
         logText("MSG", textOf(source), textOf(message), iLevel);
     }

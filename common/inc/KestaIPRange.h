@@ -7,6 +7,7 @@
 #include "KestaIPAddress.h"
 #include "KestaString.h"
 
+#include <cstddef>
 #include <iosfwd>
 #include <string_view>
 #include <type_traits>

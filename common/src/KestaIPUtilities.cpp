@@ -4,6 +4,7 @@
 #include "KestaAddressDetail.h"
 #include "KestaAddressNumber.h"
 #include "KestaDebug.h"
+#include "KestaException.h"
 
 #include <cerrno>
 #include <cstring>

@@ -2,6 +2,7 @@
 
 #include "KestaAddressDetail.h"
 #include "KestaDebug.h"
+#include "KestaException.h"
 #include "KestaIPUtilities.h"
 
 bool KestaIPv4Address::m_bIPv4LoopBack = false;

@@ -2,6 +2,7 @@
 
 #include "KestaAddressDetail.h"
 #include "KestaDebug.h"
+#include "KestaException.h"
 #include "KestaIPUtilities.h"
 
 #include <sys/socket.h>
