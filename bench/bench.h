@@ -21,6 +21,9 @@
     std::exit(1);
 }
 
+/// How often `new` was asked for memory up to now.
+std::size_t allocations();
+
 /// Adds a measurement whose preparation is its own. `items` is what the time is divided by.
 template <class Loop>
 auto* measure(const std::string& work, const std::string& who, Loop loop, std::size_t items = 1)
@@ -28,8 +31,12 @@ auto* measure(const std::string& work, const std::string& who, Loop loop, std::s
     return benchmark::RegisterBenchmark((work + "|" + who).c_str(),
                                         [loop, items](benchmark::State& state)
                                         {
+                                            const std::size_t before = allocations();
                                             loop(state);
                                             state.counters["items"] = static_cast<double>(items);
+                                            state.counters["allocations"] =
+                                                static_cast<double>(allocations() - before) /
+                                                static_cast<double>(state.iterations());
                                         });
 }
 

@@ -4,7 +4,8 @@
 usage: filter.py KESTA [LINES]
 
 Both select lines by the address at their start, and must select the same ones. They run in turn;
-the times are medians of what the process and its start and end take on the clock.
+the times are medians of what the process and its start and end take on the clock. Memory is the
+most that a process had in use, with the libraries that it shares with others.
 """
 import ipaddress
 import os
@@ -53,7 +54,7 @@ def many_ranges(directory):
     return [["-f", path] for path in paths] + [[network + "0/24" for network in networks]]
 
 
-def seconds(command, output):
+def run(command, output):
     with open(output, "wb") as file:
         start = time.perf_counter()
         status = subprocess.run(command, stdout=file, check=False).returncode
@@ -61,6 +62,13 @@ def seconds(command, output):
     if status != 0:
         sys.exit(f"{command[0]}: exit status {status}")
     return elapsed
+
+
+def kilobytes(directory, command):
+    """Asks time(1), which is small: a process counts as its own what its parent had in use."""
+    report = os.path.join(directory, "memory")
+    run(["time", "--format=%M", f"--output={report}", *command], os.devnull)
+    return int(content(report))
 
 
 def content(path):
@@ -73,7 +81,7 @@ def compare(directory, kesta, lines, family, ranges, prefixes, networks):
     generate(path, networks, lines)
     commands = {ours: [kesta, "filter", *ranges, path], theirs: ["grepcidr", "-x", *prefixes, path]}
     for output, command in commands.items():
-        seconds(command, output)
+        run(command, output)
     selected = content(ours)
     if not selected or selected != content(theirs):
         sys.exit(f"{family}: kesta filter and grepcidr select different lines")
@@ -81,18 +89,22 @@ def compare(directory, kesta, lines, family, ranges, prefixes, networks):
     times = {output: [] for output in commands}
     for _ in range(RUNS):
         for output, command in commands.items():
-            times[output].append(seconds(command, os.devnull))
-    our_time, their_time = (statistics.median(times[output]) for output in (ours, theirs))
-    ratio = our_time / their_time
-    print(f"| kesta filter, {family}, {lines} lines, {selected.count(10)} selected "
-          f"| {our_time * 1000:.0f} ms | grepcidr {ratio:.3g} "
+            times[output].append(run(command, os.devnull))
+    work = f"kesta filter, {family}, {lines} lines, {selected.count(10)} selected"
+    row(work, "ms", *(1000 * statistics.median(times[output]) for output in commands))
+    row(f"{work}, memory", "kB", *(kilobytes(directory, command) for command in commands.values()))
+
+
+def row(work, unit, ours, theirs):
+    ratio = ours / theirs
+    print(f"| {work} | {ours:.0f} {unit} | grepcidr {ratio:.3g} "
           f"| grepcidr 1{'' if ratio <= 1 else ' **missed**'} |")
 
 
 def main(kesta, lines=1000000):
     if not shutil.which("grepcidr"):
         sys.exit("grepcidr is not installed: kesta filter is not compared")
-    print("| work | time | ÷ peer | at most |")
+    print("| work | figure | ÷ peer | at most |")
     print("|---|---:|---|---|")
     with tempfile.TemporaryDirectory() as directory:
         for family in FAMILIES + [("IPv4, 100000 ranges", *many_ranges(directory))]:

@@ -4,14 +4,16 @@
 usage: table.py OUTCOME.json
 
 A measurement is named "<work>|<who>". A line of the table is one work: the library's own time, and
-that time divided by the floor's and by each peer's. Every figure is the median over the
-repetitions. The last column holds the figures aimed at, and says which of them were missed.
+that time divided by the floor's and by each peer's, and how often it allocates memory. Every figure
+is the median over the repetitions. The last column holds the figures aimed at, and says which of
+them were missed.
 """
 import json
 import re
 import sys
 
-# (work, beside whom, what the ratio may be at most); beside "ns" it is the time itself.
+# (work, beside whom, what the ratio may be at most); beside "ns" it is the time itself,
+# beside "allocations" their number.
 AIMS = [
     (r"trace call, tracing off", "ns", 1),
     (r"trace call, tracing off", "spdlog", 2),
@@ -21,6 +23,8 @@ AIMS = [
     (r"isMember\(range\), IPv.|isMember\(address\), IPv6", "Asio", 3),
     (r"isMember\(address\), IPv6", "libtins", 1),
     (r"range from .*", "POCO", 1),
+    (r"range from 10\..*|isMember.*|asking.*|trace call.*", "allocations", 0),
+    (r"range from 2001.*", "allocations", 1),
     (r"range from 10\.1\.\*\.\*", "libcidr", 1),
     (r"range from 10\.1\.\*\.\*", "Asio", 1.4),
     (r"range from 2001:db8::/32", "libcidr", 1.15),
@@ -50,9 +54,9 @@ BYTE_AIMS = [
 
 
 def medians(path):
-    """Two of {work: {who: figure}}, in the order of the program: the nanoseconds an item, and the
-    bytes that a range takes."""
-    times, sizes = {}, {}
+    """Three of {work: {who: figure}}, in the order of the program: the nanoseconds an item, the
+    bytes that a range takes, and the allocations."""
+    times, sizes, allocations = {}, {}, {}
     with open(path) as file:
         measurements = json.load(file)["benchmarks"]
     for measurement in sorted(measurements, key=lambda measurement: measurement["family_index"]):
@@ -63,44 +67,51 @@ def medians(path):
             who = who.split("/")[0]   # and not how often it was measured
             times.setdefault(work, {})[who] = measurement["cpu_time"] / measurement["items"]
             if measurement.get("bytes") and who != "std::sort":   # which is no set
-                sizes.setdefault(work, {})[who] = measurement["bytes"]
-    return times, sizes
+                sizes.setdefault(work.replace("building ", "").replace(", each", ""),
+                                 {})[who] = measurement["bytes"]
+            made = None if work.startswith("building") else int(measurement["allocations"])
+            allocations.setdefault(work, {})[who] = made   # a set's preparation allocates, too
+    return times, sizes, allocations
 
 
 def number(value):
+    if value is None:
+        return ""
     return f"{value:.3g}" if value < 1000 else f"{value:.0f}"
 
 
-def judged(work, unit, figures, aims):
-    ratios = {who: figures["kesta"] / figure for who, figure in figures.items()}
-    ratios[unit] = figures["kesta"]
+def judged(work, ratios, aims):
     for pattern, who, most in aims:
-        if re.fullmatch(pattern, work) and who in ratios:
-            verdict = "" if ratios[who] <= most else " **missed**"
+        ratio = ratios.get("÷ floor" if who == "floor" else who)
+        if re.fullmatch(pattern, work) and ratio is not None:
+            verdict = "" if ratio <= most else " **missed**"
             yield f"{who} {number(most)}{verdict}"
 
 
-def print_table(works, unit, aims):
-    print(f"| work | {unit} | ÷ floor | ÷ peers | at most |")
-    print("|---|---:|---:|---|---|")
+def print_table(works, unit, aims, allocations=None):
+    columns = [unit] + (["allocations"] if allocations else []) + ["÷ floor"]
+    print(f"| work | {' | '.join(columns)} | ÷ peers | at most |")
+    print(f"|---|{'---:|' * len(columns)}---|---|")
     for work, figures in works.items():
         if "kesta" not in figures:   # left out by a filter
             continue
         ours = figures["kesta"]
-        floor = number(ours / figures["floor"]) if "floor" in figures else ""
-        peers = ", ".join(f"{who} {number(ours / figure)}" for who, figure in figures.items()
-                          if who not in ("kesta", "floor"))
-        aim = ", ".join(judged(work, unit, figures, aims))
-        print(f"| {work.replace('*', chr(92) + '*')} | {number(ours)} | {floor} | {peers} | {aim} |")
+        ratios = {who: ours / figure for who, figure in figures.items()}
+        row = {unit: ours, "÷ floor": ratios.pop("floor", None)}
+        if allocations:
+            row["allocations"] = allocations[work]["kesta"]
+        peers = ", ".join(f"{who} {number(ratio)}" for who, ratio in ratios.items() if who != "kesta")
+        cells = [work.replace("*", r"\*"), *(number(row[column]) for column in columns), peers,
+                 ", ".join(judged(work, ratios | row, aims))]
+        print(f"| {' | '.join(cells)} |")
 
 
 def main(path):
-    times, sizes = medians(path)
-    print_table(times, "ns", AIMS)
+    times, sizes, allocations = medians(path)
+    print_table(times, "ns", AIMS, allocations)
     if sizes:
         print()
-        print_table({work.replace("building ", "").replace(", each", ""): figures
-                     for work, figures in sizes.items()}, "bytes", BYTE_AIMS)
+        print_table(sizes, "bytes", BYTE_AIMS)
 
 
 if __name__ == "__main__":

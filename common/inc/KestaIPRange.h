@@ -104,8 +104,10 @@ private:
 
         KestaIPAddress* get() const { return m_pAddress; }
 
-        template <class TAddress>
-        TAddress& make();
+        template <class TAddress, class... TArguments>
+        TAddress& make(const TArguments&... arguments);
+        template <class TAddress, class... TText>
+        TAddress& read(const TText&... text);
         void takeOver(CEnd& other, int iFamily) noexcept;
         void clear() noexcept;
 
@@ -115,7 +117,7 @@ private:
     };
 
     KESTA_LOCAL void build(CKestaString& strRange);
-    KESTA_LOCAL void buildIPv4(const CKestaString& strRange);
+    KESTA_LOCAL void buildIPv4(const CKestaString& strRange, std::size_t ulStars);
     KESTA_LOCAL void buildIPv6Address(const CKestaString& strRange);
     KESTA_LOCAL void buildIPv6Prefix(const CKestaString& strRange);
     KESTA_LOCAL void buildIPv6Wildcard(const CKestaString& strRange);

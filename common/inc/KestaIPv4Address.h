@@ -11,6 +11,8 @@
 
 #include <netinet/in.h>
 
+class CKestaExc;
+
 /// An IPv4 address value; see `KestaIPAddress` for what all addresses have in common.
 ///
 /// The four flags name the classes of addresses that the application wants excluded from ranges and
@@ -70,10 +72,11 @@ private:
     KESTA_LOCAL KestaIPv4Address();   // to be read
 
     // Each reads a text; the second, a pattern of so many stars with a text in place of each.
-    KESTA_LOCAL void read(std::string_view address);
-    KESTA_LOCAL void read(const CKestaString& strPattern, std::size_t ulStars,
+    KESTA_LOCAL bool read(std::string_view address);
+    KESTA_LOCAL bool read(const CKestaString& strPattern, std::size_t ulStars,
                           std::string_view star);
-    KESTA_LOCAL void read();
+    KESTA_LOCAL bool read();
+    KESTA_LOCAL CKestaExc refusal() const;   // the error of a text that was not read
 };
 
 /// True when two addresses have the same bytes.

@@ -11,6 +11,8 @@
 
 #include <netinet/in.h>
 
+class CKestaExc;
+
 /// An IPv6 address value; see `KestaIPAddress` for what all addresses have in common.
 ///
 /// The four flags name the classes of addresses that the application wants excluded from ranges and
@@ -60,8 +62,9 @@ private:
 
     KESTA_LOCAL KestaIPv6Address();   // to be read, or set
 
-    KESTA_LOCAL void read(std::string_view address);
-    KESTA_LOCAL void read();
+    KESTA_LOCAL bool read(std::string_view address);
+    KESTA_LOCAL bool read();
+    KESTA_LOCAL CKestaExc refusal() const;   // the error of a text that was not read
 
     // Becomes the last address of the block that an address begins, as the two prefix operations
     // trace it.

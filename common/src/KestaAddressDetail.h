@@ -71,8 +71,16 @@ inline KestaIPv6Number hostBits(int iPrefixLength)
     return allBits >> std::max(iPrefixLength, 0);
 }
 
-/// Traces a text of all zeros or all ones as read. The lines are fixed; the reading is left out.
-inline void traceFixedIPv6Text()
+/// Traces the reading of a text whose number is known. The lines are fixed; the reading is left
+/// out.
+inline void traceIPv4Reading()
+{
+    KESTA_DEBUG1("In KestaIPUtilities::convertIPv4StringToAddress() ", iTraceLevel);
+    KESTA_DEBUG1("Out KestaIPUtilities::convertIPv4StringToAddress ", iTraceLevel);
+}
+
+/// The same for IPv6.
+inline void traceIPv6Reading()
 {
     KESTA_DEBUG1("In KestaIPUtilities::convertIPv6StringToAddress()", iTraceLevel);
     KESTA_DEBUG1("Out KestaIPUtilities::convertIPv6StringToAddress()", iTraceLevel);

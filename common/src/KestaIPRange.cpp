@@ -42,14 +42,25 @@ constexpr std::array<unsigned char, 256> markerTable()
     return table;
 }
 
-unsigned int markersOf(const CKestaString& strText)
+// The markers of a text, and the number of its stars.
+struct CMarkers
 {
-    static constexpr std::array<unsigned char, 256> table = markerTable();
-    unsigned int uMarkers = 0;
-    for (const char c : strText)
-        uMarkers |= table[static_cast<unsigned char>(c)];
-    return uMarkers;
-}
+    explicit CMarkers(const CKestaString& strText)
+    {
+        static constexpr std::array<unsigned char, 256> table = markerTable();
+        for (const char c : strText)
+        {
+            uKinds |= table[static_cast<unsigned char>(c)];
+            if (c == '*')
+                ++ulStars;
+        }
+    }
+
+    bool has(unsigned char cKind) const { return (uKinds & cKind) != 0; }
+
+    unsigned int uKinds = 0;
+    std::size_t ulStars = 0;
+};
 
 bool isUnallowedIPv4(const KestaIPAddress& address)
 {
@@ -67,7 +78,7 @@ CKestaString mappedIPv4Part(const CKestaString& strRange)
     constexpr KestaIPv6Number mappedPrefix = KestaIPv6Number{0xFFFF} << 32;   // ::ffff:0:0
     const std::size_t ulColon = strRange.rfind(':');
     const KestaIPv6Address prefix(CKestaString(strRange.substr(0, ulColon)) + ":0:0");
-    traceFixedIPv6Text();
+    traceIPv6Reading();
     if (compareIPv6(mappedPrefix,
                     KestaAddressNumber::in<KestaIPv6Number>(prefix.viewSockAddress())) != 0)
     {
@@ -80,14 +91,24 @@ CKestaString mappedIPv4Part(const CKestaString& strRange)
 
 }   // namespace
 
-// The address is made first, and read in its place: what is thrown meanwhile finds an end to clear.
-template <class TAddress>
-TAddress& KestaIPRange::CEnd::make()
+template <class TAddress, class... TArguments>
+TAddress& KestaIPRange::CEnd::make(const TArguments&... arguments)
 {
     static_assert(sizeof(TAddress) == sizeof m_place);
-    auto* const pAddress = new (m_place) TAddress;
+    auto* const pAddress = new (m_place) TAddress(arguments...);
     m_pAddress = pAddress;
     return *pAddress;
+}
+
+// The address is made first, and read in its place; what it can't read is thrown by the caller's
+// own frame: each frame that an error unwinds costs more than reading a range.
+template <class TAddress, class... TText>
+[[gnu::always_inline]] inline TAddress& KestaIPRange::CEnd::read(const TText&... text)
+{
+    auto& address = make<TAddress>();
+    if (!address.read(text...))
+        throw address.refusal();
+    return address;
 }
 
 void KestaIPRange::CEnd::takeOver(CEnd& other, int iFamily) noexcept
@@ -148,19 +169,18 @@ void KestaIPRange::build(CKestaString& strRange)
         KESTA_DEBUG1("KestaIPRange::KestaIPRange()-IPAddres is an empty string", iTraceLevel);
         throw errorNaming("IPAddres is an empty string ", strRange);
     }
-    const unsigned int uMarkers = markersOf(strRange);
-    const bool bColon = (uMarkers & cColon) != 0;
-    if ((uMarkers & cDot) != 0)
+    const CMarkers markers(strRange);
+    if (markers.has(cDot))
     {
-        if (bColon)
+        if (markers.has(cColon))
             strRange = mappedIPv4Part(strRange);   // errors name this part alone from here on
-        buildIPv4(strRange);
+        buildIPv4(strRange, markers.ulStars);   // a star before this part would have been refused
     }
-    else if ((uMarkers & cStar) != 0)
+    else if (markers.has(cStar))
         buildIPv6Wildcard(strRange);
-    else if (bColon && (uMarkers & cSlash) != 0)
+    else if (markers.has(cColon) && markers.has(cSlash))
         buildIPv6Prefix(strRange);
-    else if (bColon)
+    else if (markers.has(cColon))
         buildIPv6Address(strRange);
     else
     {
@@ -169,20 +189,18 @@ void KestaIPRange::build(CKestaString& strRange)
     }
 }
 
-void KestaIPRange::buildIPv4(const CKestaString& strRange)
+void KestaIPRange::buildIPv4(const CKestaString& strRange, std::size_t ulStars)
 {
     iFamilyType = KESTA_IPV4_FAMILY;
-    const auto ulStars =
-        static_cast<std::size_t>(std::count(strRange.begin(), strRange.end(), '*'));
     if (ulStars == 0)
     {
-        m_startAddress.make<KestaIPv4Address>().read(strRange);
-        m_endAddress.make<KestaIPv4Address>().read(strRange);
+        m_endAddress.make<KestaIPv4Address>(m_startAddress.read<KestaIPv4Address>(strRange));
+        traceIPv4Reading();
     }
     else
     {
-        m_startAddress.make<KestaIPv4Address>().read(strRange, ulStars, "0");
-        m_endAddress.make<KestaIPv4Address>().read(strRange, ulStars, "255");
+        m_startAddress.read<KestaIPv4Address>(strRange, ulStars, "0");
+        m_endAddress.read<KestaIPv4Address>(strRange, ulStars, "255");
         traceEnds("KestaIPRange::KestaIPRange()- m_startAddress:-",
                   "KestaIPRange::KestaIPRange()- m_endAddress:-");
     }
@@ -202,8 +220,8 @@ void KestaIPRange::buildIPv4(const CKestaString& strRange)
 void KestaIPRange::buildIPv6Address(const CKestaString& strRange)
 {
     iFamilyType = KESTA_IPV6_FAMILY;
-    m_startAddress.make<KestaIPv6Address>().read(strRange);
-    m_endAddress.make<KestaIPv6Address>().read(strRange);
+    m_endAddress.make<KestaIPv6Address>(m_startAddress.read<KestaIPv6Address>(strRange));
+    traceIPv6Reading();
 
     traceEnds("KestaIPRange::KestaIPRange()-Before the filter check startAddress: ",
               "KestaIPRange::KestaIPRange()-Before the filter check endAddress: ");
@@ -226,7 +244,7 @@ void KestaIPRange::buildIPv6Prefix(const CKestaString& strRange)
         throw errorNaming("Not a Valid prefix for IPv6 Address ", strRange);
     }
 
-    m_startAddress.make<KestaIPv6Address>().read(std::string_view(strRange).substr(0, ulSlash));
+    m_startAddress.read<KestaIPv6Address>(std::string_view(strRange).substr(0, ulSlash));
     sockaddr_in6 scratch = *asIPv6(m_startAddress.get()->viewSockAddress());   // will be changed
     if (!KestaIPUtilities::ValidateIPv6StartAddress(&scratch, iPrefixLength))
     {
@@ -278,7 +296,7 @@ void KestaIPRange::buildIPv6Wildcard(const CKestaString& strRange)
     else if (!bAll)
         lPrefixLength = 16 * lGroups;
 
-    m_startAddress.make<KestaIPv6Address>().read(strStart);
+    m_startAddress.read<KestaIPv6Address>(strStart);
     makeIPv6End(static_cast<int>(lPrefixLength));
     traceEnds("KestaIPRange::KestaIPRange()- m_startAddress:-",
               "KestaIPRange::KestaIPRange()- m_endAddress:-");

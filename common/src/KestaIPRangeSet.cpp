@@ -161,9 +161,9 @@ void CIndex<TNumber>::cut()
     }
     endBefore(highest<TNumber>);
 
-    intervals.shrink_to_fit();
     m_intervals.swap(intervals);
-    std::vector<CAdded>().swap(m_added);
+    std::vector<CAdded>().swap(m_added);   // before the copy that the next line may make
+    m_intervals.shrink_to_fit();
 }
 
 // A few intervals a slot, on average; a slot with many, where addresses stand close together, gets

@@ -308,7 +308,7 @@ bool KestaIPUtilities::ValidateIPv6StartAddress(sockaddr_in6* sa, int prefixLeng
     KESTA_DEBUG1("In KestaIPUtilities::ValidateIPv6StartAddress() ", iTraceLevel);
     if (sa == nullptr)
         return false;
-    traceFixedIPv6Text();
+    traceIPv6Reading();
     const KestaIPv6Number hostPart = KestaAddressNumber::of(sa->sin6_addr) & hostBits(prefixLength);
     sa->sin6_addr = KestaAddressNumber::toIPv6(hostPart);
     if (compareIPv6(0, hostPart) != 0)

@@ -13,16 +13,17 @@ KestaIPv4Address::KestaIPv4Address() = default;
 
 KestaIPv4Address::KestaIPv4Address(const CKestaString& strAddress) : KestaIPAddress(strAddress)
 {
-    read();
+    if (!read())
+        throw refusal();
 }
 
-void KestaIPv4Address::read(std::string_view address)
+bool KestaIPv4Address::read(std::string_view address)
 {
     m_strIPAddress.assign(address);
-    read();
+    return read();
 }
 
-void KestaIPv4Address::read(const CKestaString& strPattern, std::size_t ulStars,
+bool KestaIPv4Address::read(const CKestaString& strPattern, std::size_t ulStars,
                             std::string_view star)
 {
     m_strIPAddress.resize(strPattern.size() + ulStars * (star.size() - 1));
@@ -35,18 +36,20 @@ void KestaIPv4Address::read(const CKestaString& strPattern, std::size_t ulStars,
             for (const char cDigit : star)
                 *pEnd++ = cDigit;
     }
-    read();
+    return read();
 }
 
-void KestaIPv4Address::read()
+bool KestaIPv4Address::read()
 {
-    if (KestaIPUtilities::convertIPv4StringToAddress(m_strIPAddress, asIPv4(m_binIPAddress)) == -1)
-    {
-        KESTA_DEBUG2(
-            "KestaIPv4Address::KestaIPv4Address()-Passed string is not a valid IPv4 address: ",
-            m_strIPAddress, iTraceLevel);
-        throw errorNaming("Passed string is not a valid IPv4 address ", m_strIPAddress);
-    }
+    return KestaIPUtilities::convertIPv4StringToAddress(m_strIPAddress, asIPv4(m_binIPAddress)) ==
+           0;
+}
+
+CKestaExc KestaIPv4Address::refusal() const
+{
+    KESTA_DEBUG2("KestaIPv4Address::KestaIPv4Address()-Passed string is not a valid IPv4 address: ",
+                 m_strIPAddress, iTraceLevel);
+    return errorNaming("Passed string is not a valid IPv4 address ", m_strIPAddress);
 }
 
 KestaIPv4Address::~KestaIPv4Address() = default;

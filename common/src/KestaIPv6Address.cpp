@@ -47,34 +47,37 @@ KestaIPv6Address::KestaIPv6Address() = default;
 
 KestaIPv6Address::KestaIPv6Address(const CKestaString& strAddress) : KestaIPAddress(strAddress)
 {
-    read();
+    if (!read())
+        throw refusal();
 }
 
-void KestaIPv6Address::read(std::string_view address)
+bool KestaIPv6Address::read(std::string_view address)
 {
     m_strIPAddress.assign(address);
-    read();
+    return read();
 }
 
-void KestaIPv6Address::read()
+bool KestaIPv6Address::read()
 {
-    if (KestaIPUtilities::convertIPv6StringToAddress(m_strIPAddress, asIPv6(m_binIPAddress)) == -1)
-    {
-        // Trace and message differ from each other and from those of IPv4, on purpose.
-        KESTA_DEBUG2(
-            "KestaIPv6Address::KestaIPv6Address()-Passed string is not a valid IPv6 address ",
-            m_strIPAddress, iTraceLevel);
-        throw errorNaming("KestaIPv6Address::KestaIPv6Address."
-                          "Passed string is not a valid IPv6 address ",
-                          m_strIPAddress);
-    }
+    return KestaIPUtilities::convertIPv6StringToAddress(m_strIPAddress, asIPv6(m_binIPAddress)) ==
+           0;
+}
+
+CKestaExc KestaIPv6Address::refusal() const
+{
+    // Trace and message differ from each other and from those of IPv4, on purpose.
+    KESTA_DEBUG2("KestaIPv6Address::KestaIPv6Address()-Passed string is not a valid IPv6 address ",
+                 m_strIPAddress, iTraceLevel);
+    return errorNaming("KestaIPv6Address::KestaIPv6Address."
+                       "Passed string is not a valid IPv6 address ",
+                       m_strIPAddress);
 }
 
 KestaIPv6Address::~KestaIPv6Address() = default;
 
 void KestaIPv6Address::setBlockEnd(const in6_addr& start, int iPrefixLength)
 {
-    traceFixedIPv6Text();
+    traceIPv6Reading();
     const KestaIPv6Number last = KestaAddressNumber::of(start) | hostBits(iPrefixLength);
     asIPv6(m_binIPAddress)->sin6_family = AF_INET6;
     asIPv6(m_binIPAddress)->sin6_addr = KestaAddressNumber::toIPv6(last);
