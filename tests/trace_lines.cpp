@@ -4,6 +4,7 @@
 #include "KestaDebug.h"
 #include "KestaEntry.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <iostream>
 #include <string>
