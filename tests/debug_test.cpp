@@ -37,8 +37,8 @@ TEST_F(DebugTest, ErrorObjectsAreAskedInOrder)
 
 TEST_F(DebugTest, SwitchAndLevel)
 {
-    const std::tuple<const char*, std::size_t, bool> rows[] = {{"DEBUGLEVEL=2", 4, true},
-        {"DEBUGLEVEL=1\nDEBUG=y", 3, true}, {"DEBUGLEVEL=52813", 5, true},
+    const std::tuple<const char*, std::size_t, bool> rows[] = {{"DEBUGLEVEL=2", 5, true},
+        {"DEBUGLEVEL=1\nDEBUG=y", 4, true}, {"DEBUGLEVEL=52813", 6, true},
         {"DEBUGLEVEL=-1", 1, true}, {"DEBUGLEVEL=0", 0, false}, {"DEBUG=N", 0, true},
         {"DEBUG==", 0, true}, {"DEBUG=yes", 0, true}};
     for (const auto& [settings, written, fileMade] : rows)
@@ -47,6 +47,9 @@ TEST_F(DebugTest, SwitchAndLevel)
         std::filesystem::remove(logPath());
         for (int level = -1; level <= 3; ++level)
             traceLine("x", level);
+        initialize();
+        CKestaDebug::logMessage(CKestaExc("which is of level 1"));
+        unInitialize();
         EXPECT_EQ(messages().size(), written) << settings;
         EXPECT_EQ(std::filesystem::exists(logPath()), fileMade) << settings;
     }
