@@ -135,8 +135,7 @@ public:
     /// The whole of `KESTA_DEBUG1` and `KESTA_DEBUG2`: makes texts of its arguments, which a call
     /// does only when the line is to be traced. Never inlined, so that the test before it is.
     template <class TSource, class TMessage>
-    [[gnu::cold, gnu::noinline]] static void trace(const TSource& source, const TMessage& message,
-                                                   int iLevel)
+    [[gnu::noinline]] static void trace(const TSource& source, const TMessage& message, int iLevel)
     {
         logText("MSG", textOf(source), textOf(message), iLevel);
     }

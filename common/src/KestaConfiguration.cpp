@@ -5,7 +5,6 @@
 #include "KestaSettingsReader.h"
 #include "KestaTraceSettings.h"
 
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -79,19 +78,18 @@ int CFindings::read(const CKestaString& strPath)
 
 void CFindings::take(const CKestaSetting& setting)
 {
-    const std::string strValue(setting.value);
     if (setting.key == "DEBUGFILEPATH")
-        strDebugFile = strValue;
+        strDebugFile.emplace(setting.value);
     else if (setting.key == "DEBUG")
-        strDebugEnabled = strValue;
+        strDebugEnabled.emplace(setting.value);
     else if (setting.key == "DEBUGLEVEL")
-        iDebugLevel = std::atoi(strValue.c_str());
+        iDebugLevel = CKestaString(setting.value).toInt();
     else if (setting.key == "DEBUGITEMS")
-        strDebugItems = strValue;
+        strDebugItems.emplace(setting.value);
     else if (setting.key == "DEBUGSIZE")
-        iDebugSize = std::atoi(strValue.c_str());
+        iDebugSize = CKestaString(setting.value).toInt();
     else if (setting.key == "DEBUGNEWFILE")
-        strNewFile = strValue;
+        strNewFile.emplace(setting.value);
 }
 
 // All at once, and without allocating: whoever reads meanwhile gets values of one file only, and a

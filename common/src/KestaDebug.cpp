@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <limits>
 #include <new>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -36,8 +37,9 @@ void beginTraced(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
             return;
         try
         {
-            const CKestaTraceSettings settings =
-                pSettings != nullptr ? *pSettings : currentTraceSettings();
+            std::optional<CKestaTraceSettings> current;
+            const CKestaTraceSettings& settings =
+                pSettings != nullptr ? *pSettings : current.emplace(currentTraceSettings());
             bWarning = !log.setUp(strFilePath, bEncrypted, iLevel, settings) &&
                        settings.strDebugEnabled.equals("Y", false);
         }
@@ -129,7 +131,6 @@ try
     if (!isTraced(iLowestLevel))
         return;
     pthread_testcancel();
-    const CKestaNoCancellation noCancellation;
     std::string strText(strMessage.c_str());
     const CKestaLock lock(CKestaEntries::mutex());
     if (!CKestaEntries::isLogOfOthers())
@@ -145,8 +146,7 @@ void CKestaDebug::logText(std::string_view itemType, std::string_view source,
 try
 {
     constexpr std::size_t ulPunctuation = 16;   // and the frame of an enciphered line
-    pthread_testcancel();
-    const CKestaNoCancellation noCancellation;
+    pthread_testcancel();   // the only place where a trace call heeds it: a line is written whole
     std::string strLine;
     strLine.reserve(itemType.size() + source.size() + message.size() + ulPunctuation);
     strLine += '[';

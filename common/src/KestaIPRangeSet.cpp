@@ -124,10 +124,10 @@ void CIndex<TNumber>::cut()
 {
     std::sort(m_added.begin(), m_added.end(),
               [](const CAdded& left, const CAdded& right) { return left.first < right.first; });
-    std::vector<CAdded> holding;
-    const auto isAddedLater = [](const CAdded& left, const CAdded& right)
+    std::vector<const CAdded*> holding;
+    const auto isAddedLater = [](const CAdded* pLeft, const CAdded* pRight)
     {
-        return left.uRange > right.uRange;
+        return pLeft->uRange > pRight->uRange;
     };
 
     std::vector<CInterval> intervals;
@@ -141,23 +141,23 @@ void CIndex<TNumber>::cut()
     };
     const auto endBefore = [&](TNumber limit)
     {
-        while (!holding.empty() && holding.front().last < limit)
+        while (!holding.empty() && holding.front()->last < limit)
         {
-            const TNumber next = holding.front().last + 1;
-            while (!holding.empty() && holding.front().last < next)
+            const TNumber next = holding.front()->last + 1;
+            while (!holding.empty() && holding.front()->last < next)
             {
                 std::pop_heap(holding.begin(), holding.end(), isAddedLater);
                 holding.pop_back();
             }
-            begin(next, holding.empty() ? uNoRange : holding.front().uRange);
+            begin(next, holding.empty() ? uNoRange : holding.front()->uRange);
         }
     };
     for (const CAdded& range : m_added)
     {
         endBefore(range.first);
-        holding.push_back(range);
+        holding.push_back(&range);
         std::push_heap(holding.begin(), holding.end(), isAddedLater);
-        begin(range.first, holding.front().uRange);
+        begin(range.first, holding.front()->uRange);
     }
     endBefore(highest<TNumber>);
 

@@ -25,8 +25,13 @@ CKestaSettingsReader::CKestaSettingsReader(const char* pszPath)
     : m_iFile(open(pszPath, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK)), m_iError(errno)
 {
     struct stat status = {};
-    if (!isOpen() || (fstat(m_iFile, &status) == 0 && S_ISREG(status.st_mode)))
+    if (!isOpen())
         return;
+    if (fstat(m_iFile, &status) == 0 && S_ISREG(status.st_mode))
+    {
+        m_lUnread = status.st_size;
+        return;
+    }
     m_bAtEnd = true;
     if (S_ISFIFO(status.st_mode))
     {
@@ -101,7 +106,11 @@ void CKestaSettingsReader::fill()
     {
         const ssize_t lRead = read(m_iFile, m_szBlock + m_ulEnd, sizeof m_szBlock - m_ulEnd);
         if (lRead > 0)
+        {
             m_ulEnd += static_cast<std::size_t>(lRead);
+            m_lUnread -= lRead;
+            m_bAtEnd = m_lUnread == 0;   // which saves a read; some systems call each file empty
+        }
         else
             m_bAtEnd = lRead == 0 || errno != EINTR;
     }

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string_view>
 
+#include <sys/types.h>
+
 /// The file that `initialize()` reads, in conf/ below the installation directory.
 constexpr char szKestaConfigurationFile[] = "KestaDebug.ini";
 
@@ -62,6 +64,7 @@ private:
 
     int m_iFile = -1;
     int m_iError = 0;
+    off_t m_lUnread = 0;            // of the file as large as it was when it was opened
     bool m_bAtEnd = false;          // of the file
     bool m_bWithinLine = false;     // the last piece was not the end of its line
     bool m_bSectionFound = false;   // the header has been seen
