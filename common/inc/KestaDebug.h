@@ -54,11 +54,11 @@ constexpr bool isFormatted = std::is_convertible_v<const T&, CKestaString>;
 
 // A host's class that converts to a CKestaString is traced as that, whatever else it converts to.
 template <class T>
-constexpr bool isUsedInPlace = std::is_convertible_v<const T&, std::string_view> &&
-                               (std::is_pointer_v<T> || std::is_same_v<T, std::string> ||
-                                std::is_same_v<T, std::string_view> ||
-                                std::is_convertible_v<const T*, const CKestaString*> ||
-                                !isFormatted<T>);
+constexpr bool
+    isUsedInPlace = std::is_convertible_v<const T&, std::string_view> &&
+                    (std::is_pointer_v<std::decay_t<T>> || std::is_same_v<T, std::string> ||
+                     std::is_same_v<T, std::string_view> ||
+                     std::is_convertible_v<const T*, const CKestaString*> || !isFormatted<T>);
 
 template <class T>
 constexpr bool isTraceable = isFormatted<T> || isUsedInPlace<T>;

@@ -9,11 +9,15 @@
 #include "KestaTraceLog.h"
 #include "KestaTraceSettings.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdio>
+#include <initializer_list>
 #include <limits>
 #include <new>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace
@@ -22,6 +26,22 @@ namespace
 constexpr int iNoTrace = 0;
 constexpr int iPlainText = 52813;   // the one level that leaves the log unenciphered
 constexpr int iLowestLevel = std::numeric_limits<int>::min();   // traced whenever the switch is on
+
+// The whole of several pieces, with room for the frame of an enciphered line.
+std::string joined(std::initializer_list<std::string_view> pieces)
+{
+    constexpr std::size_t ulFrame = 8;
+    std::size_t ulSize = 0;
+    for (const std::string_view piece : pieces)
+        ulSize += piece.size();
+    std::string strWhole;
+    strWhole.reserve(ulSize + ulFrame);
+    strWhole.resize(ulSize);
+    char* pEnd = strWhole.data();
+    for (const std::string_view piece : pieces)
+        pEnd = std::copy(piece.begin(), piece.end(), pEnd);
+    return strWhole;
+}
 
 // Begins an entry with tracing. If `pSettings` is null, the settings read last are used.
 void beginTraced(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
@@ -145,17 +165,10 @@ void CKestaDebug::logText(std::string_view itemType, std::string_view source,
                           std::string_view message, int iLevel)
 try
 {
-    constexpr std::size_t ulPunctuation = 16;   // and the frame of an enciphered line
     pthread_testcancel();   // a trace call is cancelled only here: lines stay whole
-    std::string strLine;
-    strLine.reserve(itemType.size() + source.size() + message.size() + ulPunctuation);
-    strLine += '[';
-    strLine += KestaTextDetail::upToNul(itemType);
-    strLine += "]:";
-    strLine += KestaTextDetail::upToNul(source);
-    strLine += ':';
-    strLine += KestaTextDetail::upToNul(message);
-    strLine += '\n';
+    using KestaTextDetail::upToNul;
+    std::string strLine =
+        joined({"[", upToNul(itemType), "]:", upToNul(source), ":", upToNul(message), "\n"});
     const CKestaLock lock(CKestaEntries::mutex());
     if (!CKestaEntries::isLogOfOthers())
         CKestaTraceLog::instance().writeLine(std::move(strLine), iLevel);

@@ -8,8 +8,11 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdlib>
+#include <cstring>
 #include <new>
+#include <system_error>
 #include <utility>
 
 #include <netinet/in.h>
@@ -70,6 +73,14 @@ bool isUnallowedIPv4(const KestaIPAddress& address)
 bool isUnallowedIPv6(const KestaIPAddress& address)
 {
     return KestaIPv6Address::CheckUnAllowedIPv6AddressTypes(asIPv6(address.viewSockAddress()));
+}
+
+// The number that atoi reads. It is asked only where from_chars, which is quicker, finds none.
+int numberAt(const char* pszText)
+{
+    int iNumber = 0;
+    const auto result = std::from_chars(pszText, pszText + std::strlen(pszText), iNumber);
+    return result.ec == std::errc() ? iNumber : std::atoi(pszText);
 }
 
 // Everything after the last ":" of a text such as ::ffff:10.1.*.*
@@ -236,7 +247,7 @@ void KestaIPRange::buildIPv6Prefix(const CKestaString& strRange)
 {
     iFamilyType = KESTA_IPV6_FAMILY;
     const std::size_t ulSlash = strRange.find('/');
-    const int iPrefixLength = std::atoi(strRange.c_str() + ulSlash + 1);
+    const int iPrefixLength = numberAt(strRange.c_str() + ulSlash + 1);
     if (iPrefixLength < 0 || iPrefixLength > 128)
     {
         KESTA_DEBUG1("KestaIPRange::KestaIPRange()-Not a Valid prefix for IPv6 Address",

@@ -89,13 +89,13 @@ void CKestaTraceLog::enable(bool bEnable)
     publish();
 }
 
-void CKestaTraceLog::writeLine(std::string strLine, int iLevel)
+void CKestaTraceLog::writeLine(std::string&& strLine, int iLevel)
 {
-    if (isEnabled() && m_iLevel >= iLevel)
+    if (CKestaDebug::isTraced(iLevel))   // now that nobody changes it
         m_File.writeLine(std::move(strLine));
 }
 
-void CKestaTraceLog::writeText(std::string strText)
+void CKestaTraceLog::writeText(std::string&& strText)
 {
     if (isEnabled())
         m_File.writeLine(std::move(strText));

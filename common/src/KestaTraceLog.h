@@ -49,10 +49,10 @@ public:
     void enable(bool bEnable);
 
     /// Writes a line, if lines of its level are traced.
-    void writeLine(std::string strLine, int iLevel);
+    void writeLine(std::string&& strLine, int iLevel);
 
     /// Writes a text as it stands, if the switch is on.
-    void writeText(std::string strText);
+    void writeText(std::string&& strText);
 
 private:
     bool isEnabled() const;
