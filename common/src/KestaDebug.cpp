@@ -10,7 +10,6 @@
 #include "KestaTraceSettings.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdio>
 #include <initializer_list>
 #include <limits>
