@@ -248,7 +248,7 @@ KestaIPRangeSet::~KestaIPRangeSet() = default;
 std::size_t KestaIPRangeSet::add(const KestaIPRange& range)
 {
     if (size() == ulMostRanges)
-        throw std::length_error("KestaIPRangeSet: too many ranges");
+        throw std::length_error("KestaIPRangeSet: too many ranges");   // unreachable below 12 GB
     const auto uRange = static_cast<std::uint32_t>(size());
     const int iFamily = range.getAddressFamily();
     if (iFamily != 0)

@@ -92,6 +92,7 @@ struct CIPv6
     static bool isLoopback(const sockaddr_in6* sa) { return IN6_IS_ADDR_LOOPBACK(&sa->sin6_addr); }
 };
 
+// Two of these lines are unreachable: a conversion neither fails nor gives "NULL".
 template <class TFamily>
 void addAddress(CKestaArray<typename TFamily::CAddress>& list,
                 const typename TFamily::CSocketAddress* sa)
