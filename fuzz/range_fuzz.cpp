@@ -67,7 +67,8 @@ void checkEnds(const std::string& text, const Ends& ends)
         CHECK(ends == Ends(bytesOf(starsAs(part, "0"), 4), bytesOf(starsAs(part, "255"), 4)));
     }
     else if (text.find('*') != text.npos)
-        CHECK(blockPrefix(ends.first, ends.second) % 4 == 0);
+        // A scope hides the groups behind it, so that the start need not be the first of its block.
+        CHECK(text.find('%') != text.npos || blockPrefix(ends.first, ends.second) % 4 == 0);
     else
     {
         const int prefix = slash == text.npos ? 128 : std::atoi(&text[slash + 1]);
