@@ -55,18 +55,14 @@ bool CKestaSettingsReader::next(CKestaSetting& setting)
         const std::string_view line = KestaTextDetail::trimmed(piece);
         if (line.empty() || line.front() == '#')
             continue;
-        if (!m_bSectionFound && line == "[DEBUGINFORMATION]")
-        {
-            m_bSectionFound = true;
-            continue;
-        }
         const CKestaKeyValue found(line);
         if (!found.bFound)
             continue;
         setting.bTakenOver = !found.value.has_value();
         if (!setting.bTakenOver)
             m_ulValue = found.value->copy(m_szValue, sizeof m_szValue);
-        setting.key = found.key;   // wherever it stands: the header opens nothing
+        setting.key =
+            found.key;   // wherever it stands: [DEBUGINFORMATION], without "=", is skipped
         setting.value = std::string_view(m_szValue, m_ulValue);
         return true;
     }

@@ -63,12 +63,11 @@ private:
 
     int m_iFile = -1;
     int m_iError = 0;
-    off_t m_lUnread = 0;            // bytes left of the size at opening
-    bool m_bAtEnd = false;          // of the file
-    bool m_bWithinLine = false;     // the last piece was not the end of its line
-    bool m_bSectionFound = false;   // the header has been seen
-    unsigned long m_ulLine = 0;     // the line of the last piece
-    std::size_t m_ulBegin = 0;      // of the unread part of the block
+    off_t m_lUnread = 0;          // bytes left of the size at opening
+    bool m_bAtEnd = false;        // of the file
+    bool m_bWithinLine = false;   // the last piece was not the end of its line
+    unsigned long m_ulLine = 0;   // the line of the last piece
+    std::size_t m_ulBegin = 0;    // of the unread part of the block
     std::size_t m_ulEnd = 0;
     std::size_t m_ulValue = 0;        // the length of m_szValue
     char m_szValue[ulLongestPiece];   // outlives its line: a line that ends with "=" takes it over
