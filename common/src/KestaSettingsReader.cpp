@@ -57,12 +57,11 @@ bool CKestaSettingsReader::next(CKestaSetting& setting)
             continue;
         const CKestaKeyValue found(line);
         if (!found.bFound)
-            continue;
+            continue;   // the header, too: keys count wherever they stand
         setting.bTakenOver = !found.value.has_value();
         if (!setting.bTakenOver)
             m_ulValue = found.value->copy(m_szValue, sizeof m_szValue);
-        setting.key =
-            found.key;   // wherever it stands: [DEBUGINFORMATION], without "=", is skipped
+        setting.key = found.key;
         setting.value = std::string_view(m_szValue, m_ulValue);
         return true;
     }
