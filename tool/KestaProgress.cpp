@@ -31,7 +31,7 @@ void CKestaProgress::advance(std::size_t ulBytes)
     if (m_ullSize == 0 || CClock::now() < m_next)
         return;
     m_next = CClock::now() + std::chrono::milliseconds(200);
-    const std::uint64_t ullPercent = std::min<std::uint64_t>(m_ullRead / (m_ullSize / 100 + 1), 99);
+    const std::uint64_t ullPercent = std::min<std::uint64_t>(m_ullRead * 100 / m_ullSize, 99);
     hide();
     writeToTerminal(printable(m_input.name()) + ": " + std::to_string(ullPercent) + " %");
     bShown = true;

@@ -79,7 +79,10 @@ template <class TRead>
 bool readBySystem(const char* pszText, TRead read)
 {
     const char* const pszScope = std::strchr(pszText, '%');
-    return pszScope == nullptr ? read(pszText) : read(std::string(pszText, pszScope).c_str());
+    if (pszScope == nullptr)
+        return read(pszText);
+    const std::string strAddress(pszText, pszScope);
+    return read(strAddress.c_str());
 }
 
 char* writePart(char* pszEnd, unsigned int uPart)

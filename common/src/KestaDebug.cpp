@@ -57,12 +57,12 @@ void beginTraced(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
         try
         {
             std::optional<CKestaTraceSettings> current;
-            const CKestaTraceSettings& settings =
-                pSettings != nullptr ? *pSettings : current.emplace(currentTraceSettings());
-            bWarning = !log.setUp(strFilePath, bEncrypted, iLevel, settings) &&
-                       settings.strDebugEnabled.equals("Y", false);
+            if (pSettings == nullptr)
+                pSettings = &current.emplace(currentTraceSettings());
+            bWarning = !log.setUp(strFilePath, bEncrypted, iLevel, *pSettings) &&
+                       pSettings->strDebugEnabled.equals("Y", false);
         }
-        catch (const std::bad_alloc&)
+        catch (...)
         {
             CKestaEntries::end();   // an entry that throws holds nothing
             throw;

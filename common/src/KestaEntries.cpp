@@ -177,7 +177,7 @@ void CKestaEntries::end()
     const bool bOthers = isLogOfOthers();
     if (iOwnEntries > 0)
         --iOwnEntries;
-    else if (pOwner != nullptr && bOwnerWatched && *pOwner > 0)
+    else if (pOwner != nullptr && bOwnerWatched)
         --*pOwner;   // the thread that made the entry no longer has it
     if (!bOthers)
         endInProgress();

@@ -94,8 +94,9 @@ bool isLarger(const CKestaString& strPath, long lLimit)
 
 bool hasFileSizeLimit()
 {
-    struct rlimit limit;
-    return getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
+    struct rlimit limit = {RLIM_INFINITY, RLIM_INFINITY};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    return limit.rlim_cur != RLIM_INFINITY;
 }
 
 /// While it lives, a write over the file-size limit of the process fails, as one on a full disk

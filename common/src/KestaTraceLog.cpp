@@ -77,8 +77,6 @@ void CKestaTraceLog::end()
 
 void CKestaTraceLog::abandon()
 {
-    if (!m_bInitialized)
-        return;
     m_File.close();
     reset();
 }
