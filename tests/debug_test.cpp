@@ -4,7 +4,8 @@ using DebugTest = TraceFixture;
 
 TEST_F(DebugTest, LinesOfAllKinds)
 {
-    const auto work = []
+    const std::string off("off");
+    const auto work = [&off]
     {
         KESTA_DEBUG1("x", 1);
         KESTA_DEBUG2("KestaIPUtilities::queryHostIP()", "start", 3);
@@ -12,7 +13,8 @@ TEST_F(DebugTest, LinesOfAllKinds)
         CKestaDebug::logMessage("m", "s", "t", 3);
         CKestaDebug::logMessage(CKestaExc(-1, "src", "why"));
         CKestaDebug::enable(false);
-        KESTA_DEBUG1("off", 1);
+        KESTA_DEBUG1(off, 1);
+        KESTA_DEBUG2(off, off, 1);
         CKestaDebug::writeMessage("off");
         CKestaDebug::enable(true);
         CKestaDebug::writeMessage("as it stands");

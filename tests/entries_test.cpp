@@ -267,6 +267,7 @@ TEST_F(EntriesTest, MayBeCancelledWhileTheyWait)
             initialize();
             ADD_FAILURE() << "there can't be two";
         });
+    usleep(1000);   // usually long enough to get there
     pthread_cancel(waiting.native_handle());
     waiting.join();
     KESTA_DEBUG1("still in progress", 1);
@@ -329,10 +330,18 @@ TEST_F(EntriesTest, OfTheParentAreNotTheChildsToRollOver)
                 KESTA_DEBUG1("dropped", 1);
             });
         configure("DEBUGSIZE=1000");
+        inChild(
+            [this]
+            {
+                std::thread waiting = begun([this] { traceLine("thread of the child"); });
+                usleep(1000);   // usually long enough to get there
+                unInitialize();
+                waiting.join();
+            });
         inChild([this] { traceLine("own"); });
-        EXPECT_EQ(messages(), (Lines{"parent", "child", "own"}));
+        EXPECT_EQ(messages(), (Lines{"parent", "child", "thread of the child", "own"}));
     }
-    EXPECT_EQ(Lines(fileText(oldLogPath())).size(), 3u);
+    EXPECT_EQ(Lines(fileText(oldLogPath())).size(), 4u);
 }
 
 // Two processes have the log open; the second to end must not roll over the new log.

@@ -48,13 +48,19 @@ TEST_F(LineFileTest, Modes)
 
 TEST_F(LineFileTest, RollsOverWhatStandsAtThePath)
 {
-    const std::tuple<std::string, bool, std::string> rows[] = {
-        // where the log was moved; whether another locks it; what is rolled over
-        {"", false, "own\n"}, {"", true, ""}, {"new", false, "own\n"}, {"x", false, "another\n"}};
-    for (const auto& [moved, locked, want] : rows)
+    const std::tuple<std::string, std::string, std::string, std::string> rows[] = {
+        // where the log was moved; what stands in the way; the old log before and afterwards
+        {"", "", "", "own\n"}, {"", "lock", "older\n", "older\n"},
+        {"", "no descriptor is left", "older\n", "own\n"}, {"new", "", "", "own\n"},
+        {"x", "", "", "another\n"}, {"x", "", "older\n", "another\n"}};
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    for (const auto& [moved, hindrance, older, want] : rows)
     {
         const std::string path = dir + "file", newPath = dir + "new";
         std::filesystem::remove(newPath);
+        if (!older.empty())
+            std::ofstream(newPath) << older;
         CKestaLineFile file;
         file.open(path, "wb", false);
         file.writeLine("own\n");
@@ -64,11 +70,14 @@ TEST_F(LineFileTest, RollsOverWhatStandsAtThePath)
             std::ofstream(path) << "another\n";
         }
         const int other = open(path.c_str(), O_RDONLY);
-        flock(other, locked ? LOCK_EX : LOCK_UN);
+        flock(other, hindrance == "lock" ? LOCK_EX : LOCK_UN);
+        const rlimit none{0, before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, hindrance == "no descriptor is left" ? &none : &before);
         errno = EWOULDBLOCK;   // left over from an earlier call
         file.rollOver(path, newPath, 3);
+        setrlimit(RLIMIT_NOFILE, &before);
         close(other);
-        EXPECT_EQ(fileText(newPath), want) << moved << locked;
+        EXPECT_EQ(fileText(newPath), want) << moved << hindrance << older;
         EXPECT_FALSE(file.isOpen());
     }
 }
@@ -80,16 +89,18 @@ TEST_F(LineFileTest, EndsATornLine)
                                       start = "\xFE\xFF"
                                               "first" +
                                               frame;
-    const std::tuple<const char*, bool, bool, std::string> rows[] = {
-        // mode; whether lines are enciphered; whether the file is emptied in between
-        {"a+b", false, false, "first\nno room\nthird\n"}, {"a+b", false, true, "third\n"},
-        {"a+b", true, false, start + "no room" + end + "third" + frame},
-        {"ab", false, false, "first\nno roomthird\n"}};   // its end can't be read
+    const std::string stays = "first\nno room";
+    const std::tuple<const char*, bool, std::string, std::string> rows[] = {
+        // mode; whether lines are enciphered; what the file holds in between
+        {"a+b", false, stays, stays + "\nthird\n"}, {"a+b", false, "", "third\n"},
+        {"a+b", false, "ended\n", "ended\nthird\n"},
+        {"a+b", true, start + "no room", start + "no room" + end + "third" + frame},
+        {"ab", false, stays, stays + "third\n"}};   // its end can't be read
     for (const auto& row : rows)
         inChild(
             [&]
             {
-                const auto& [mode, enciphered, emptied, want] = row;
+                const auto& [mode, enciphered, between, want] = row;
                 const std::string path = dir + "file";
                 std::filesystem::remove(path);
                 rlimit limit{(enciphered ? start : "first\n").size() + 7, RLIM_INFINITY};
@@ -101,8 +112,7 @@ TEST_F(LineFileTest, EndsATornLine)
                 EXPECT_FALSE(file.writeLine("nor for this\n"));
                 limit.rlim_cur = RLIM_INFINITY;
                 setrlimit(RLIMIT_FSIZE, &limit);
-                if (emptied)
-                    std::filesystem::resize_file(path, 0);
+                std::ofstream(path) << between;
                 EXPECT_TRUE(file.writeLine("third\n"));
                 EXPECT_EQ(fileText(path), want);
             });

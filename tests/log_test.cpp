@@ -31,7 +31,8 @@ TEST(LogDecoder, Bytes)
         // not a mark: no item type follows
         {"a" + mark + "b\xFE", "a" + mark + "b\xFE\n"}, {"a" + mark + "[MS", "a" + mark + "[MS\n"},
         {"a" + mark + "[MsG]:", "a" + mark + "[MsG]:\n"},
-        {"a" + mark + "[]:", "a" + mark + "[]:\n"}, {"a" + mark + "[AZ]:", "a\n[AZ]:\n"},
+        {"a" + mark + "[]:", "a" + mark + "[]:\n"}, {"a" + mark + "[Z[]:", "a" + mark + "[Z[]:\n"},
+        {"a" + mark + "[9:]:", "a" + mark + "[9:]:\n"}, {"a" + mark + "[AZ]:", "a\n[AZ]:\n"},
         {"a" + mark + "[A]x", "a" + mark + "[A]x\n"}, {"a" + mark + mark, "a" + mark + mark + "\n"},
         {"a" + mark + "[ABCDEFGHIJ_09876]:", "a\n[ABCDEFGHIJ_09876]:\n"},
         {"a" + mark + "[ABCDEFGHIJ_098765]:", "a" + mark + "[ABCDEFGHIJ_098765]:\n"}};
