@@ -30,7 +30,14 @@ void read(Model& model, const std::string& bytes)
     {
         length = std::min<std::size_t>(bytes.find('\n', at) - at, 1022) + 1;
         const std::string line = trimmed(upToNul(bytes.substr(at, length)));
-        if (!line.empty() && line[0] != '#' && split(line, key, value))
+        CHECK(CKestaConfiguration::isComment(line) == (line[0] == '#'));
+        if (line[0] == '#')
+            continue;
+        CKestaString gotKey(key), gotValue(value);
+        const bool found = split(line, key, value);
+        CHECK(CKestaConfiguration::getKeyValue(line, gotKey, gotValue) == found);
+        CHECK(gotKey == key && gotValue == value);
+        if (found)
             model[key] = value;
     }
 }

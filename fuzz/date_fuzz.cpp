@@ -87,6 +87,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         const long midnight = date.getTime();
         std::tm local = {};
         CHECK(time == -1 || (localtime_r(&midnight, &local) != nullptr && local.tm_hour == 0));
+        CHECK(time == -1 || fieldsOf(CKestaDate(midnight)) == dateAt(time));
         if (time != -1 && otherTime != -1)
             CHECK(date - other == static_cast<double>(time / 86400 - otherTime / 86400));
         if (later != -1)

@@ -53,6 +53,7 @@ void checkQuestions(const CKestaString& text, const CKestaString& other)
     CHECK(text.countTokens(other) == count + (count > 0));
     CHECK(std::string(text + other) == cut + std::string(other));
     CHECK(text.toInt() == static_cast<int>(std::strtol(cut.c_str(), nullptr, 10)));
+    CHECK(std::to_string(text.toDouble()) == std::to_string(std::atof(cut.c_str())));
 }
 
 }   // namespace

@@ -21,17 +21,3 @@ TEST_F(ConfigurationTest, UnreadableFilesKeepWhatWasThere)
     EXPECT_EQ(Configuration::getDebugLevel(), 5);
     EXPECT_EQ(Configuration::getInstalledDir() + "/" + Configuration::getDataDir(), dir + dir);
 }
-
-TEST(Configuration, KeysAndComments)
-{
-    const std::pair<const char*, const char*> rows[] = {
-        {" A =", "A kept"}, {"B= c =d", "B c"}, {"C", "not found"}};
-    for (const auto& [line, want] : rows)
-    {
-        CKestaString key, value("kept");
-        const bool found = Configuration::getKeyValue(line, key, value);
-        EXPECT_EQ(found ? key + " " + value : "not found", want) << line;
-    }
-    EXPECT_TRUE(Configuration::isComment("#"));
-    EXPECT_FALSE(Configuration::isComment(" #"));
-}

@@ -43,14 +43,7 @@ TEST(Date, SystemTime)
     EXPECT_GE(today, before);
     EXPECT_LE(today, after);
     EXPECT_EQ(fields(CKestaDate(LONG_MAX)), "0/0/0");
-    const std::tuple<const char*, const char*, long> rows[] = {
-        {"CET-1CEST,M3.5.0,M10.5.0/3", "7/1/2007", 1183240800}, {"XXX+5", "7/1/2007", 1183266000},
-        {"XXX-12", "1/1/2007", 1167566400}};
-    for (const auto& [zone, text, time] : rows)
-    {
-        setenv("TZ", zone, 1);
-        EXPECT_EQ(fields(CKestaDate(time)), text) << zone;
-        EXPECT_EQ(fields(CKestaDate(time - 1)) == text, false) << zone;
-        EXPECT_EQ(CKestaDate(text).getTime(), time) << zone;
-    }
+    setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
+    EXPECT_EQ(CKestaDate("7/1/2007").getTime(), 1183240800);
+    EXPECT_EQ(fields(CKestaDate(1183240800L - 1)), "6/30/2007");
 }

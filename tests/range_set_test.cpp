@@ -48,9 +48,9 @@ TEST(RangeSet, AnswersAsItsRangesDo)
         EXPECT_EQ(set.size(), count);
         for (int i = 0; i < 500; ++i)
         {
-            const auto start = static_cast<std::size_t>(i);   // those of ranges, too
-            const std::string text = start < std::min<std::size_t>(count, 100)
-                                         ? ranges[start].getStartAddress()->getStrAddress()
+            const auto first = static_cast<std::size_t>(i);   // starts of ranges are asked first
+            const std::string text = first < std::min<std::size_t>(count, 100)
+                                         ? ranges[first].getStartAddress()->getStrAddress()
                                          : textOf(addressForms, random);
             sockaddr_storage socket = socketOf(text);
             const bool is6 = socket.ss_family == AF_INET6;

@@ -59,9 +59,3 @@ TEST(String, TokensOfCopies)
     text = itself;
     EXPECT_EQ(rest(text), "[b]") << "an assignment to itself changes nothing";
 }
-
-TEST(String, NumbersOfTexts)
-{
-    EXPECT_EQ(CKestaString(" \v2.5e1 \tx").toDouble(), 25.0);
-    EXPECT_EQ(CKestaString("x").toDouble(), 0.0);
-}

@@ -147,6 +147,7 @@ void afterForkInChild()
     if (bThreadEndKnown)
         pthread_key_delete(hThreadEnd);
     bThreadEndKnown = false;
+    bOwnerWatched = false;
 }
 
 }   // namespace

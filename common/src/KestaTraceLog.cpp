@@ -77,6 +77,8 @@ void CKestaTraceLog::end()
 
 void CKestaTraceLog::abandon()
 {
+    if (!m_bInitialized)
+        return;   // a switch that was set without a log stays, as at the end of an entry
     m_File.close();
     reset();
 }
