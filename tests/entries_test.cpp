@@ -6,9 +6,15 @@
 #include "KestaIPRange.h"
 
 #include <atomic>
+#include <climits>
+#include <condition_variable>
 #include <csignal>
+#include <cstdint>
 #include <functional>
 #include <future>
+#include <memory>
+#include <mutex>
+#include <random>
 #include <thread>
 
 using EntriesTest = TraceFixture;
@@ -170,25 +176,101 @@ TEST_F(EntriesTest, HostsMayHoldTheMutexThemselves)
     EXPECT_EQ(messages(), (Lines{"waited", "into the same log"}));
 }
 
-TEST_F(EntriesTest, MayBeHandedFromThreadToThread)
+/// A thread that does what it is told, one piece of work after the other.
+class Worker
 {
-    std::promise<void> taken, ended;
-    initialize();
-    std::thread other(
+public:
+    ~Worker() { tell({}), thread.join(); }
+
+    void run(const std::function<void()>& work)
+    {
+        std::promise<void> done;
+        tell([&] { work(), done.set_value(); });
+        done.get_future().wait();
+    }
+
+private:
+    void tell(std::function<void()> work)
+    {
+        const std::lock_guard lock(mutex);
+        next = std::move(work);
+        told = true;
+        changed.notify_one();
+    }
+
+    void obey()
+    {
+        for (;;)
+        {
+            std::unique_lock lock(mutex);
+            changed.wait(lock, [this] { return told; });
+            told = false;
+            const std::function<void()> work = std::move(next);
+            lock.unlock();
+            if (!work)
+                return;
+            work();
+        }
+    }
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::function<void()> next;
+    bool told = false;
+    std::thread thread{[this] { obey(); }};
+};
+
+// Whole entries, one after the other: whichever threads begin them, trace in them and end them, all
+// is as if there were one thread. Threads end at any moment, within their entries, too.
+TEST_F(EntriesTest, MayPassFromThreadToThread)
+{
+    const auto observed = [this](unsigned seed, std::size_t threads, bool ending)
+    {
+        std::mt19937 script(seed), schedule(seed);
+        std::vector<std::unique_ptr<Worker>> workers(threads);
+        const auto run = [&](const std::function<void()>& work)
+        {
+            auto& worker = workers[schedule() % threads];
+            if (worker == nullptr || (ending && schedule() % 3 == 0))
+                worker = std::make_unique<Worker>();
+            worker->run(work);
+        };
+        for (const auto& path : {logPath(), oldLogPath()})
+            std::filesystem::remove(path);
+        Lines seen;
+        const auto look = [&]
+        {
+            bool free = false;
+            run([&] { free = mutexIsFree(); });
+            seen.push_back((free ? "free " : "held ") + log() + fileText(oldLogPath()));
+        };
+        for (int entry = 0; entry < 20; ++entry)
+        {
+            const char* levels[] = {"0", "3", "52813", "0"};
+            configure("DEBUGSIZE=" + std::to_string(script() % 2) +
+                      "\nDEBUGLEVEL=" + levels[script() % 4]);
+            run(initialize);
+            for (auto lines = script() % 3; lines > 0; --lines)
+                run([entry] { KESTA_DEBUG1(entry, 3); });
+            look();
+            for (auto ends = script() % 6 == 0 ? 2 : 1; ends > 0; --ends)
+                run(unInitialize);
+            look();
+        }
+        return seen;
+    };
+    inChild(
         [&]
         {
-            unInitialize();
-            initialize();
-            taken.set_value();
-            ended.get_future().wait();
+            for (unsigned seed = 0; seed < 6; ++seed)
+            {
+                const Lines want = observed(seed, 1, false);
+                for (const std::size_t threads : {2, 3, 4, 8})
+                    for (const bool ending : {false, true})
+                        EXPECT_EQ(observed(seed, threads, ending), want)
+                            << seed << ", " << threads << ending;
+            }
         });
-    taken.get_future().wait();
-    KESTA_DEBUG1("in no entry", 1);
-    unInitialize();
-    EXPECT_TRUE(mutexIsFree());
-    ended.set_value();
-    other.join();
-    EXPECT_EQ(messages(), Lines{"in no entry"});
 }
 
 TEST_F(EntriesTest, EndWithAnException)
@@ -203,12 +285,78 @@ TEST_F(EntriesTest, EndWithAnException)
     EXPECT_FALSE(CKestaDebug::isTraced(1));
 }
 
-TEST_F(EntriesTest, EndWithTheirThread)
+// Begins an entry in the last moment of a thread, when no end of a thread is noticed any more.
+static pthread_key_t lastMoment;
+static void* beginAtLast(void* rounds)
 {
-    configure("DEBUGSIZE=0");
-    inThread([] { initialize(), KESTA_DEBUG1("not ended", 1); });
-    EXPECT_TRUE(mutexIsFree());
-    EXPECT_EQ(fileText(oldLogPath()), "[MSG]:FH:not ended\n") << "rolled over";
+    const auto left = reinterpret_cast<std::intptr_t>(rounds) - 1;
+    pthread_setspecific(lastMoment, reinterpret_cast<void*>(left));
+    if (left == 0)
+        initialize(), KESTA_DEBUG1("not ended", 1);
+    return nullptr;
+}
+
+// The entry is there for others to trace in it and to end it. Who begins another one ends it.
+TEST_F(EntriesTest, OutliveTheirThread)
+{
+    pthread_key_create(&lastMoment, [](void* rounds) { beginAtLast(rounds); });
+    const std::function<void()> leaves[] = {[] { initialize(), KESTA_DEBUG1("not ended", 1); },
+        []
+        {
+            pthread_setspecific(
+                lastMoment, reinterpret_cast<void*>(std::intptr_t{PTHREAD_DESTRUCTOR_ITERATIONS}));
+        }};
+    for (const auto& leave : leaves)
+        inChild(
+            [&]
+            {
+                configure("DEBUGSIZE=0");
+                inThread(leave);
+                EXPECT_FALSE(mutexIsFree());
+                inThread([] { KESTA_DEBUG1("traced in it", 1); });
+                inThread(unInitialize);
+                EXPECT_EQ(Lines(fileText(oldLogPath())).size(), 2u) << "rolled over";
+                inThread(leave);
+                traceLine("another");
+                EXPECT_EQ(fileText(oldLogPath()), "[MSG]:FH:another\n");
+                EXPECT_TRUE(mutexIsFree());
+            });
+    pthread_key_delete(lastMoment);
+}
+
+// Neither an entry without tracing nor a fork waits for a line that is being enciphered.
+TEST_F(EntriesTest, WaitForNoCipher)
+{
+    static std::atomic<bool> enciphering{false}, enough{false};
+    const auto slowly = [](const std::string& line)
+    {
+        for (enciphering = true; !enough;)
+            std::this_thread::yield();
+        return line;
+    };
+    configure("DEBUGLEVEL=3");
+    inChild(
+        [&]
+        {
+            CKestaHostSetup::setLineCipher(slowly);
+            std::thread tracing([this] { traceLine("slow"); });
+            while (!enciphering)
+                std::this_thread::yield();
+            configure("DEBUGLEVEL=0");
+            traceLine("nothing");
+            configure("DEBUGLEVEL=3");
+            if (!addressSanitizer)
+                inChild(
+                    [&]
+                    {
+                        enough = true;
+                        traceLine("child");
+                    });
+            enough = true;
+            tracing.join();
+            CKestaHostSetup::setLineCipher(nullptr);
+            EXPECT_EQ(messages().back(), "slow");
+        });
 }
 
 // Threads are cancelled at any point; each time the next entry must find everything in order.
@@ -251,7 +399,7 @@ TEST_F(EntriesTest, OfCancelledThreadsEnd)
                     std::this_thread::yield();
                 pthread_cancel(thread.native_handle());
                 thread.join();
-                EXPECT_TRUE(mutexIsFree());
+                const CKestaEntry next;
             }
         }
 }
@@ -272,6 +420,32 @@ TEST_F(EntriesTest, MayBeCancelledWhileTheyWait)
     waiting.join();
     KESTA_DEBUG1("still in progress", 1);
     EXPECT_EQ(messages(), Lines{"still in progress"});
+}
+
+TEST_F(EntriesTest, OfChildrenForkedBesideThem)
+{
+    if (addressSanitizer)
+        GTEST_SKIP();
+    for (const int threads : {1, 2, 4, 8})
+    {
+        std::atomic<bool> stop{false};
+        std::vector<std::thread> parent;
+        for (int thread = 0; thread < threads; ++thread)
+            parent.emplace_back(
+                [&]
+                {
+                    while (!stop)
+                        traceLine("parent");
+                });
+        for (int i = 0; i < 60; ++i)
+            inChild([this] { traceLine("child"), traceLine("child"); });
+        stop = true;
+        for (std::thread& thread : parent)
+            thread.join();
+        const Lines all = messages();
+        EXPECT_EQ(std::count(all.begin(), all.end(), "child"), 120) << threads;
+        std::filesystem::remove(logPath());
+    }
 }
 
 TEST_F(EntriesTest, OfForkedChildren)

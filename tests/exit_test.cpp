@@ -1,6 +1,7 @@
 // The library is loaded and unloaded many times, and used by an exit handler that was registered
 // before it was loaded, and so runs after the library's own. With a third argument, the host
-// has used up all keys for thread-specific data before.
+// has used up all keys for thread-specific data before. The host exports functions of the same name
+// as the library's, which entries must not call.
 
 #include <cstdlib>
 #include <filesystem>
@@ -13,6 +14,9 @@
 #include <pthread.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+void initialize() { std::abort(); }
+void unInitialize() { std::abort(); }
 
 static void* part = nullptr;
 

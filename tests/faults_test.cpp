@@ -3,6 +3,9 @@
 
 #include "support.h"
 
+#include <cerrno>
+#include <functional>
+
 #include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -73,12 +76,17 @@ TEST_F(FaultsTest, OfTheFileSystem)
                     configure(row.settings + "\nDEBUGLEVEL=" + level);
                     shell(row.before);
                     testing::internal::CaptureStdout();
+                    const auto keepingErrno = [](const std::function<void()>& work)
                     {
-                        const CKestaEntry entry;
-                        KESTA_DEBUG1("first", 1);
-                        shell(row.amid);
-                        KESTA_DEBUG1("amid", 1);
-                    }
+                        errno = ELOOP;
+                        work();
+                        EXPECT_EQ(errno, ELOOP);
+                    };
+                    keepingErrno(initialize);
+                    keepingErrno([] { KESTA_DEBUG1("first", 1); });
+                    shell(row.amid);
+                    keepingErrno([] { KESTA_DEBUG1("amid", 1); });
+                    keepingErrno(unInitialize);
                     std::fflush(stdout);
                     EXPECT_EQ(Lines(testing::internal::GetCapturedStdout()).size(), row.warnings);
                     shell(row.repair);

@@ -30,11 +30,12 @@ KESTA_API extern std::atomic<long> glKestaTracedLevel;
 /// If the log can't be opened, there is no tracing, and a line of warning on standard output when
 /// the switch of the configuration is on.
 ///
-/// The entry belongs to the calling thread, and ends at the latest when the thread does. Waits
-/// while another thread is in an entry with tracing. A thread may be cancelled at the start of this
-/// function and while it waits; it has then begun nothing.
+/// Blocks while another thread is in an entry with tracing. An entry whose thread has ended is
+/// there for other threads to trace in it and to end it, but blocks nobody: the next entry with
+/// tracing ends it first. A thread may be cancelled at the start of this function and while it
+/// waits; it has then begun nothing. Leaves errno unchanged.
 ///
-/// Throws: `std::bad_alloc` only. Nothing is held then, and `unInitialize` is not to be called.
+/// Throws: `std::bad_alloc` only. Nothing is held in that case; do not call `unInitialize`.
 KESTA_API void initialize();
 
 /// Ends an entry into the library: closes the trace log, and rolls it over when it has grown too
@@ -43,7 +44,7 @@ KESTA_API void initialize();
 /// Intended: the mutex is released even when `initialize` did not take it (level 0), and a thread
 /// that is in no entry ends the one in progress, so that an entry may begin on one thread and end
 /// on another. A thread that is in an entry of its own ends only that one: entries of other threads
-/// keep their log and the mutex.
+/// keep their log and the mutex. Leaves errno unchanged.
 KESTA_API void unInitialize();
 
 namespace KestaTraceDetail
@@ -85,8 +86,9 @@ using IfValue = std::enable_if_t<isTraceable<T> && !isObject<T>, int>;
 /// no entry. A thread whose own entry is at level 0 writes nothing. A thread may be cancelled
 /// before it writes a line, but never in the middle of one.
 ///
-/// A line for which there is no memory, or no room on the disk, is lost without an error. Making a
-/// text of an argument may throw, before anything is written.
+/// All functions leave errno unchanged. A line for which there is no memory, or no room on the
+/// disk, is lost without an error. Making a text of an argument may throw, before anything is
+/// written.
 class KESTA_API CKestaDebug
 {
 public:
@@ -148,6 +150,14 @@ public:
     static CKestaString getOldLogFile();
 
 private:
+    friend class CKestaEntry;
+    friend void ::initialize();
+    friend void ::unInitialize();
+
+    // Not exported, so that no function of a host can take their place.
+    KESTA_LOCAL static void beginEntry();
+    KESTA_LOCAL static void endEntry();
+
     template <class T>
     static auto textOf(const T& text)
     {

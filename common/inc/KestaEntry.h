@@ -12,20 +12,21 @@
 ///         const KestaIPRange range("10.1.*.*");   // traced, whether it throws or not
 ///     }
 ///
-/// Entries do not nest: with tracing on, a second one on the same thread waits for ever.
+/// Entries do not nest: with tracing on, a second one on the same thread deadlocks.
 ///
-/// Thread contract: belongs to the thread that made it, and ends there. Making one waits while
-/// another thread is in an entry with tracing.
+/// Thread contract: belongs to the thread that made it, and ends there. Making one blocks while
+/// another thread is in an entry with tracing. It does what the library's own `initialize` and
+/// `unInitialize` do, even if the host exports functions of these names.
 ///
 /// Throws: `std::bad_alloc` only; there is no entry then.
-class CKestaEntry
+class KESTA_API CKestaEntry
 {
 public:
-    /// Makes the entry.
-    CKestaEntry() { initialize(); }
+    /// Begins the entry. Compilers warn of `CKestaEntry();`, an entry that ends at once.
+    [[nodiscard]] CKestaEntry();
 
     /// Ends it.
-    ~CKestaEntry() { unInitialize(); }
+    ~CKestaEntry();
 
     CKestaEntry(const CKestaEntry&) = delete;
     CKestaEntry& operator=(const CKestaEntry&) = delete;

@@ -60,6 +60,10 @@ public:
     bool writeLine(std::string strLine);
 
 private:
+    friend class CKestaTraceLog;
+
+    // Like `writeLine`, but uses the memory of the line.
+    KESTA_LOCAL bool writeInPlace(std::string& strLine);
     KESTA_LOCAL bool encipher(std::string& strLine) const;
     KESTA_LOCAL bool write(const std::string& strBytes);
     KESTA_LOCAL bool endsWith(std::string_view lineEnd) const;

@@ -9,15 +9,12 @@
 #include "KestaTraceLog.h"
 #include "KestaTraceSettings.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <initializer_list>
+#include <ctime>
 #include <limits>
 #include <new>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <utility>
+
+pthread_mutex_t ghMutex = PTHREAD_MUTEX_INITIALIZER;
 
 namespace
 {
@@ -26,73 +23,303 @@ constexpr int iNoTrace = 0;
 constexpr int iPlainText = 52813;   // the one level that leaves the log unenciphered
 constexpr int iLowestLevel = std::numeric_limits<int>::min();   // traced whenever the switch is on
 
-// The whole of several pieces, with room for the frame of an enciphered line.
-std::string joined(std::initializer_list<std::string_view> pieces)
+// Entries with tracing come one after the other, and ghMutex is locked from the start of each to
+// its end. A host may also lock and unlock ghMutex by itself, so the mutex does not show whose
+// entry it is locked for: CKestaEntries knows.
+//
+// Two locks guard the rest. hLog is held by whoever uses the log: while a line is enciphered and
+// written, and while the log is opened, closed and rolled over. hState is held for moments only:
+// entries without tracing and forks need no other lock, so they wait for no cipher and no disk. It
+// guards CKestaEntries, and the moments in which the log becomes set up, or no longer is. A thread
+// that needs both locks hLog first.
+pthread_mutex_t hLog = PTHREAD_MUTEX_INITIALIZER;
+pthread_mutex_t hState = PTHREAD_MUTEX_INITIALIZER;
+pthread_cond_t hReleased = PTHREAD_COND_INITIALIZER;   // the library has released ghMutex
+
+pthread_key_t hThreadEnd;
+bool bThreadEndKnown = false;   // hThreadEnd is a key
+
+// A host's cipher may fork while its thread uses the log.
+[[gnu::tls_model("initial-exec")]] thread_local bool bUsesLog = false;
+
+/// While it lives, this thread uses the log.
+class CLogUse
 {
-    constexpr std::size_t ulFrame = 8;
-    std::size_t ulSize = 0;
-    for (const std::string_view piece : pieces)
-        ulSize += piece.size();
-    std::string strWhole;
-    strWhole.reserve(ulSize + ulFrame);
-    strWhole.resize(ulSize);
-    char* pEnd = strWhole.data();
-    for (const std::string_view piece : pieces)
-        pEnd = std::copy(piece.begin(), piece.end(), pEnd);
-    return strWhole;
+public:
+    CLogUse() : m_lock(hLog) { bUsesLog = true; }
+    ~CLogUse() { bUsesLog = false; }
+
+    CLogUse(const CLogUse&) = delete;
+    CLogUse& operator=(const CLogUse&) = delete;
+
+    CKestaTraceLog* operator->() const { return &CKestaTraceLog::instance(); }
+
+private:
+    const CKestaLock m_lock;
+};
+
+// Shows all threads what is traced now. The caller holds both locks.
+void publish()
+{
+    glKestaTracedLevel.store(CKestaTraceLog::instance().tracedLevel(), std::memory_order_relaxed);
 }
 
-// Begins an entry with tracing. If `pSettings` is null, the settings read last are used.
-void beginTraced(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
-                 const CKestaTraceSettings* pSettings)
+// Intended: ghMutex is released even if no entry took it. If it is free, it is taken first, because
+// releasing a mutex that nobody holds is undefined. The caller holds hState.
+void release()
 {
-    bool bWarning = false;
+    CKestaEntries::end();
+    static_cast<void>(pthread_mutex_trylock(&ghMutex));
+    pthread_mutex_unlock(&ghMutex);
+    pthread_cond_signal(&hReleased);
+}
+
+void stopLog()
+{
+    const CKestaLock lock(hState);
+    CKestaTraceLog::instance().stop();
+    publish();
+}
+
+void endInProgress(const CLogUse& log)
+{
+    if (log->isSetUp())   // otherwise a switch that was turned on without a log stays on
     {
-        const CKestaLock lock(CKestaEntries::mutex());
-        CKestaEntries::begin();
-        const CKestaNoCancellation noCancellation;
-        CKestaTraceLog& log = CKestaTraceLog::instance();
-        if (log.isSetUp())
-            return;
-        try
+        stopLog();
+        if (CKestaEntries::isInherited())
+            log->close();   // the parent still uses the log, and rolls it over
+        else
+            log->rollOver();
+    }
+    const CKestaLock lock(hState);
+    release();
+}
+
+// Ends an entry that does not concern the log. Returns false if the entry in progress is to be
+// ended.
+bool endWithoutLog()
+{
+    const CKestaLock lock(hState);
+    const bool bNone = CKestaEntries::inProgress() == 0;
+    if (!bNone && !CKestaEntries::isOthers())
+        return false;
+    CKestaEntries::endIdle();
+    if (bNone)
+        release();
+    return true;
+}
+
+void endEntry()
+{
+    const CKestaNoCancellation noCancellation;
+    const CKestaErrno error;
+    if (endWithoutLog())
+        return;
+    const CLogUse log;
+    if (!endWithoutLog())   // another thread may have ended it meanwhile
+        endInProgress(log);
+}
+
+// Ends the entry in progress if nobody can be expected to: its thread has ended or, in a forked
+// child, it is the parent's, and this thread begins one of its own.
+void endAbandoned()
+{
+    const CKestaNoCancellation noCancellation;
+    const CLogUse log;
+    bool bAbandoned;
+    {
+        const CKestaLock lock(hState);
+        bAbandoned = CKestaEntries::isLeftBehind() || CKestaEntries::isInherited();
+    }
+    if (bAbandoned)
+        endInProgress(log);
+}
+
+// Waits until ghMutex has been released, but looks every now and then, because a host may have
+// released it by itself, and the thread in an entry may have ended. May be cancelled. The caller
+// holds hState, which is not held during the wait.
+void waitForRelease()
+{
+    struct timespec until;
+    clock_gettime(CLOCK_MONOTONIC, &until);
+    constexpr long lHundredth = 10'000'000;
+    until.tv_nsec += lHundredth;
+    until.tv_sec += until.tv_nsec / (100 * lHundredth);
+    until.tv_nsec %= 100 * lHundredth;
+    pthread_cond_clockwait(&hReleased, &hState, CLOCK_MONOTONIC, &until);
+}
+
+// Locks ghMutex for an entry of this thread, and notes it under the same lock, so that a fork never
+// meets a mutex that nobody holds. Returns the entry's number.
+unsigned long takeMutex()
+{
+    for (;;)
+    {
         {
-            std::optional<CKestaTraceSettings> current;
-            if (pSettings == nullptr)
-                pSettings = &current.emplace(currentTraceSettings());
-            bWarning = !log.setUp(strFilePath, bEncrypted, iLevel, *pSettings) &&
-                       pSettings->strDebugEnabled.equals("Y", false);
+            const CKestaLock lock(hState);
+            if (!CKestaEntries::isInherited())
+            {
+                if (pthread_mutex_trylock(&ghMutex) == 0)
+                    return CKestaEntries::begin();
+                if (!CKestaEntries::isLeftBehind())
+                {
+                    waitForRelease();
+                    continue;
+                }
+            }
         }
-        catch (...)
+        endAbandoned();
+    }
+}
+
+// Sets the log up for the entry with this number. Returns false when the log can't be opened.
+bool setUpLog(unsigned long ulEntry, const CKestaString& strFilePath, bool bEncrypted, int iLevel,
+              const CKestaTraceSettings& settings)
+{
+    const CLogUse log;
+    if (log->isSetUp())
+        return true;
+    const bool bOpen = log->open(strFilePath, bEncrypted, iLevel, settings);
+    bool bStarted = false;
+    {
+        const CKestaLock lock(hState);
+        if (CKestaEntries::inProgress() == ulEntry)   // no other thread has ended it meanwhile
         {
-            CKestaEntries::end();   // an entry that throws holds nothing
-            throw;
+            bStarted = bOpen;
+            bOpen ? log->start() : log->stop();
+            publish();
         }
     }
+    if (bOpen && !bStarted)
+        log->close();
+    return bOpen;
+}
+
+// Begins an entry with tracing.
+void beginTraced(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
+                 const CKestaTraceSettings& settings)
+{
+    const unsigned long ulEntry = takeMutex();
     const CKestaNoCancellation noCancellation;
-    if (bWarning)
-        std::fputs("Warning: Fernhold may not be able to Debug!!!\n", stdout);
+    try
+    {
+        if (!setUpLog(ulEntry, strFilePath, bEncrypted, iLevel, settings) &&
+            settings.strDebugEnabled.equals("Y", false))
+            std::fputs("Warning: Fernhold may not be able to Debug!!!\n", stdout);
+    }
+    catch (...)
+    {
+        endEntry();   // an entry that throws holds nothing
+        throw;
+    }
+}
+
+// Begins an entry without tracing.
+void beginIdle()
+{
+    const CKestaLock lock(hState);
+    CKestaEntries::beginIdle();
+    if (bThreadEndKnown)
+        pthread_setspecific(hThreadEnd, &hThreadEnd);   // any value: the thread's end is noticed
+}
+
+void endThread(void* /*pValue*/)
+{
+    const CKestaLock lock(hState);
+    CKestaEntries::endThread();
+}
+
+// True when this thread must leave the log to the entry of another one.
+bool isLogOfOthers()
+{
+    if (!CKestaEntries::mayBeIdle())
+        return false;
+    const CKestaLock lock(hState);
+    return CKestaEntries::isOthers();
+}
+
+// A process may be forked at any moment. The child must find all locks free, and no entry of a
+// thread that it does not have.
+void beforeFork()
+{
+    pthread_mutex_lock(&hState);
+    pthread_mutex_lock(&hKestaSettingsMutex);
+}
+
+void afterForkInParent()
+{
+    pthread_mutex_unlock(&hKestaSettingsMutex);
+    pthread_mutex_unlock(&hState);
+}
+
+void afterForkInChild()
+{
+    pthread_mutex_unlock(&hKestaSettingsMutex);
+    CKestaTraceLog& log = CKestaTraceLog::instance();
+    if (!bUsesLog)
+    {
+        if (pthread_mutex_trylock(&hLog) != 0)
+            log.repairInChild();   // a thread that the child does not have was using it
+        pthread_mutex_init(&hLog, nullptr);
+    }
+    pthread_cond_init(&hReleased, nullptr);
+    if (!CKestaEntries::continueInChild())
+    {
+        if (log.isSetUp())
+        {
+            log.stop();
+            log.close();
+        }
+        pthread_mutex_init(&ghMutex, nullptr);
+    }
+    publish();
+    pthread_mutex_unlock(&hState);
+}
+
+[[gnu::constructor]] void watchThreadsAndForks()
+{
+    pthread_atfork(&beforeFork, &afterForkInParent, &afterForkInChild);
+    bThreadEndKnown = pthread_key_create(&hThreadEnd, &endThread) == 0;
+}
+
+[[gnu::destructor]] void forgetThreads()
+{
+    const CKestaLock lock(hState);
+    if (bThreadEndKnown)
+        pthread_key_delete(hThreadEnd);
+    bThreadEndKnown = false;
 }
 
 }   // namespace
 
-void initialize()
+std::atomic<long> glKestaTracedLevel{std::numeric_limits<long>::min()};
+
+void CKestaDebug::beginEntry()
 {
     pthread_testcancel();   // here, where nothing is held yet
+    const CKestaErrno error;
     CKestaConfiguration::initialize(szKestaConfigurationFile);
     const CKestaTraceSettings settings = currentTraceSettings();
     if (settings.iDebugLevel == iNoTrace)
-    {
-        const CKestaLock lock(CKestaEntries::mutex());
-        CKestaEntries::beginIdle();
-    }
+        beginIdle();
     else
         beginTraced(settings.strDebugFile, settings.iDebugLevel != iPlainText, settings.iDebugLevel,
-                    &settings);
+                    settings);
+}
+
+void CKestaDebug::endEntry()
+{
+    ::endEntry();
+}
+
+void initialize()
+{
+    CKestaDebug::beginEntry();
 }
 
 void unInitialize()
 {
-    CKestaDebug::unInitialize();
+    CKestaDebug::endEntry();
 }
 
 CKestaDebug::CKestaDebug() = default;
@@ -102,15 +329,14 @@ CKestaDebug::~CKestaDebug() = default;
 int CKestaDebug::initialize(const CKestaString& strFilePath, bool bEncrypted, int iLevel)
 {
     pthread_testcancel();
-    beginTraced(strFilePath, bEncrypted, iLevel, nullptr);
+    const CKestaErrno error;
+    beginTraced(strFilePath, bEncrypted, iLevel, currentTraceSettings());
     return 0;
 }
 
 void CKestaDebug::unInitialize()
 {
-    const CKestaNoCancellation noCancellation;
-    const CKestaLock lock(CKestaEntries::mutex());
-    CKestaEntries::end();
+    ::endEntry();
 }
 
 void CKestaDebug::logMessage(const CKestaString& strMessage, const CKestaString& strSource,
@@ -139,9 +365,12 @@ catch (const std::bad_alloc&)
 
 void CKestaDebug::enable(bool bEnable)
 {
-    const CKestaLock lock(CKestaEntries::mutex());
-    if (!CKestaEntries::isLogOfOthers())
-        CKestaTraceLog::instance().enable(bEnable);
+    if (isLogOfOthers())
+        return;
+    const CLogUse log;
+    const CKestaLock lock(hState);
+    log->enable(bEnable);
+    publish();
 }
 
 void CKestaDebug::writeMessage(const CKestaString& strMessage)
@@ -150,10 +379,9 @@ try
     if (!isTraced(iLowestLevel))
         return;
     pthread_testcancel();
-    std::string strText(strMessage.c_str());
-    const CKestaLock lock(CKestaEntries::mutex());
-    if (!CKestaEntries::isLogOfOthers())
-        CKestaTraceLog::instance().writeText(std::move(strText));
+    const CKestaErrno error;
+    if (!isLogOfOthers())
+        CLogUse()->writeText(KestaTextDetail::upToNul(strMessage));
 }
 catch (const std::bad_alloc&)
 {
@@ -164,13 +392,11 @@ void CKestaDebug::logText(std::string_view itemType, std::string_view source,
                           std::string_view message, int iLevel)
 try
 {
-    pthread_testcancel();   // a trace call is cancelled only here: lines stay whole
     using KestaTextDetail::upToNul;
-    std::string strLine =
-        joined({"[", upToNul(itemType), "]:", upToNul(source), ":", upToNul(message), "\n"});
-    const CKestaLock lock(CKestaEntries::mutex());
-    if (!CKestaEntries::isLogOfOthers())
-        CKestaTraceLog::instance().writeLine(std::move(strLine), iLevel);
+    pthread_testcancel();   // a trace call is cancelled only here: lines stay whole
+    const CKestaErrno error;
+    if (!isLogOfOthers())
+        CLogUse()->writeLine(upToNul(itemType), upToNul(source), upToNul(message), iLevel);
 }
 catch (const std::bad_alloc&)
 {

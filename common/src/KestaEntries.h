@@ -1,38 +1,57 @@
 #ifndef KESTA_ENTRIES_H
 #define KESTA_ENTRIES_H
 
-#include <pthread.h>
-
-/// Knows whose entry is in progress.
+/// Keeps account of entries: which thread began the entry with tracing that is in progress, and
+/// which threads are in entries without tracing, which come at any time.
 ///
-/// Entries with tracing come one after the other, and `ghMutex` is held from the start of each to
-/// its end. A host may also take and release `ghMutex` by itself, so the mutex does not show whose
-/// entry it is held for. That is noted here, under a lock that is held for moments only and guards
-/// the trace log as well.
+/// Whole entries that follow one another may pass from thread to thread: one may begin an entry,
+/// others trace in it and end it. So a thread's own account of its entries without tracing can't
+/// say whether they have been ended. It is valid for one round only: whenever no such entry of any
+/// thread is left, a new round begins.
 ///
-/// Thread contract: the caller holds `mutex()`.
+/// A thread is known by the number of the entry with tracing that it began last, and never by an
+/// address, so nothing dangles when a thread ends.
+///
+/// Thread contract: the caller holds one lock for all of this, except for `isForeign`.
 class CKestaEntries
 {
 public:
-    /// The lock.
-    static pthread_mutex_t& mutex();
-
-    /// Begins an entry of this thread without tracing.
+    /// This thread begins an entry without tracing.
     static void beginIdle();
 
-    /// Begins an entry of this thread with tracing: waits until `ghMutex` is free, without the
-    /// lock, and takes it. A thread that is cancelled while it waits has begun nothing.
-    static void begin();
+    /// This thread begins the entry that is in progress from now on. Returns its number.
+    static unsigned long begin();
 
-    /// Ends an entry of this thread. While the entry in progress is another thread's, it does
-    /// nothing else. A thread that is in no entry ends the entry in progress, whoever made it. If
-    /// there is none, `ghMutex` is released all the same.
+    /// The number of the entry in progress; 0 when there is none.
+    static unsigned long inProgress();
+
+    /// True when the entry in progress must be left alone by this thread, which is in an entry of
+    /// its own, without tracing. A thread that is in no entry at all may trace in the entry in
+    /// progress, and end it.
+    static bool isOthers();
+
+    /// True when this thread may be in an entry without tracing. Needs no lock.
+    static bool mayBeIdle();
+
+    /// An entry without tracing ends.
+    static void endIdle();
+
+    /// The entry in progress is over.
     static void end();
 
-    /// True when this thread must leave the log alone: the log belongs to another thread's entry,
-    /// and this thread is in an entry of its own, without tracing. A thread that is in no entry at
-    /// all may use the log.
-    static bool isLogOfOthers();
+    /// True when the thread that began the entry in progress has ended. Costs a system call.
+    static bool isLeftBehind();
+
+    /// This thread ends. Nobody will end its entries without tracing.
+    static void endThread();
+
+    /// This process has just been forked, and has no thread but this one. Returns false if the
+    /// entry in progress was another thread's: there is none, then.
+    static bool continueInChild();
+
+    /// True when the entry in progress was begun before this process was forked, so that the log is
+    /// the parent's.
+    static bool isInherited();
 };
 
 #endif

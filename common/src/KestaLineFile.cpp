@@ -197,6 +197,11 @@ bool CKestaLineFile::isRolledOver(const CKestaString& strPath, const CKestaStrin
 
 bool CKestaLineFile::writeLine(std::string strLine)
 {
+    return writeInPlace(strLine);
+}
+
+bool CKestaLineFile::writeInPlace(std::string& strLine)
+{
     const CKestaNoCancellation noCancellation;
     if (!isOpen() || (m_bEnciphered && !encipher(strLine)))
         return false;

@@ -1,6 +1,7 @@
 #ifndef KESTA_PROCESS_H
 #define KESTA_PROCESS_H
 
+#include <cerrno>
 #include <new>
 #include <utility>
 
@@ -38,6 +39,22 @@ public:
 
 private:
     int m_iBefore = PTHREAD_CANCEL_ENABLE;
+};
+
+/// Restores errno at the end of its lifetime: hosts trace between a failed call and their look at
+/// errno.
+class CKestaErrno
+{
+public:
+    CKestaErrno() = default;
+
+    ~CKestaErrno() { errno = m_iBefore; }
+
+    CKestaErrno(const CKestaErrno&) = delete;
+    CKestaErrno& operator=(const CKestaErrno&) = delete;
+
+private:
+    const int m_iBefore = errno;
 };
 
 /// A value that is never destroyed, so that it can be used while a process ends: handlers that run

@@ -1,13 +1,11 @@
 #include "KestaTraceLog.h"
 
-#include "KestaDebug.h"
 #include "KestaException.h"
 #include "KestaHostSetup.h"
 #include "KestaProcess.h"
 
-#include <atomic>
 #include <limits>
-#include <utility>
+#include <new>
 
 namespace
 {
@@ -19,8 +17,6 @@ constexpr char szDefaultDirectory[] = "log";   // below the data directory
 constexpr long lNothing = std::numeric_limits<long>::min();   // below every level
 
 }   // namespace
-
-std::atomic<long> glKestaTracedLevel{lNothing};
 
 CKestaLogFiles logFiles(const CKestaString& strFilePath, const CKestaString& strNewFile)
 {
@@ -42,84 +38,88 @@ CKestaTraceLog& CKestaTraceLog::instance()
     return log.get();
 }
 
-bool CKestaTraceLog::setUp(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
-                           const CKestaTraceSettings& settings)
+bool CKestaTraceLog::open(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
+                          const CKestaTraceSettings& settings)
 {
     CKestaLogFiles files = logFiles(strFilePath, settings.strNewFile);
-    CKestaString strEnabled = settings.strDebugEnabled;
     try
     {
         m_File.open(files.strLog, "a+b", bEncrypted);
     }
     catch (const CKestaExc&)
     {
-        reset();
         return false;
     }
-    m_strFilePath.swap(files.strLog);
-    m_strNewFile.swap(files.strOldLog);
-    m_strEnabled.swap(strEnabled);
+    m_files.strLog.swap(files.strLog);
+    m_files.strOldLog.swap(files.strOldLog);
     m_iDebugSize = settings.iDebugSize;
-    m_iLevel = iLevel;
-    m_bEncrypted = bEncrypted;
-    m_bInitialized = true;
-    publish();
+    m_iConfiguredLevel = iLevel;
+    m_bConfiguredSwitch = settings.strDebugEnabled == "Y" || settings.strDebugEnabled == "y";
     return true;
 }
 
-void CKestaTraceLog::end()
+void CKestaTraceLog::start()
 {
-    if (!m_bInitialized)
-        return;
-    m_File.rollOver(m_strFilePath, m_strNewFile, sizeLimit(m_iDebugSize));
-    reset();
+    m_bInitialized = true;
+    m_bEnabled = m_bConfiguredSwitch;
+    m_iLevel = m_iConfiguredLevel;
 }
 
-void CKestaTraceLog::abandon()
+void CKestaTraceLog::stop()
 {
-    if (!m_bInitialized)
-        return;   // a switch that was set without a log stays, as at the end of an entry
+    m_bInitialized = false;
+    m_bEnabled = false;
+    m_iLevel = 0;
+}
+
+void CKestaTraceLog::rollOver()
+{
+    m_File.rollOver(m_files.strLog, m_files.strOldLog, sizeLimit(m_iDebugSize));
+    close();
+}
+
+// Swapping frees the memory of strings: none may be left behind when the library is unloaded.
+void CKestaTraceLog::close()
+{
     m_File.close();
-    reset();
+    CKestaString().swap(m_files.strLog);
+    CKestaString().swap(m_files.strOldLog);
+    std::string().swap(m_strLine);
 }
 
 void CKestaTraceLog::enable(bool bEnable)
 {
-    m_strEnabled = bEnable ? "Y" : "N";
-    publish();
+    m_bEnabled = bEnable;
 }
 
-void CKestaTraceLog::writeLine(std::string&& strLine, int iLevel)
+long CKestaTraceLog::tracedLevel() const
 {
-    if (CKestaDebug::isTraced(iLevel))   // now that nobody changes it
-        m_File.writeLine(std::move(strLine));
+    return m_bEnabled ? m_iLevel : lNothing;
 }
 
-void CKestaTraceLog::writeText(std::string&& strText)
+void CKestaTraceLog::writeLine(std::string_view itemType, std::string_view source,
+                               std::string_view message, int iLevel)
 {
-    if (isEnabled())
-        m_File.writeLine(std::move(strText));
+    if (!m_bInitialized || iLevel > tracedLevel())
+        return;
+    m_strLine.assign(1, '[').append(itemType).append("]:", 2).append(source);
+    m_strLine.append(1, ':').append(message).append(1, '\n');
+    m_File.writeInPlace(m_strLine);
 }
 
-bool CKestaTraceLog::isEnabled() const
+void CKestaTraceLog::writeText(std::string_view text)
 {
-    return m_strEnabled == "Y" || m_strEnabled == "y";
+    if (!m_bInitialized || !m_bEnabled)
+        return;
+    m_strLine.assign(text);
+    m_File.writeInPlace(m_strLine);
 }
 
-// Swapping frees the memory of the texts: none may be left behind when the library is unloaded.
-void CKestaTraceLog::reset()
+// What is made anew is not destroyed before: it may be in any state.
+void CKestaTraceLog::repairInChild()
 {
-    CKestaString().swap(m_strEnabled);
-    m_iLevel = 0;
-    CKestaString().swap(m_strFilePath);
-    m_bEncrypted = true;
-    m_bInitialized = false;
-    CKestaString().swap(m_strNewFile);
-    m_iDebugSize = 0;
-    publish();
-}
-
-void CKestaTraceLog::publish() const
-{
-    glKestaTracedLevel.store(isEnabled() ? m_iLevel : lNothing, std::memory_order_relaxed);
+    if (m_bInitialized)
+        new (&m_strLine) std::string;
+    else
+        new (this) CKestaTraceLog;
 }

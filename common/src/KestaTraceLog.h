@@ -6,6 +6,7 @@
 #include "KestaTraceSettings.h"
 
 #include <string>
+#include <string_view>
 
 /// The paths of an entry's log, before and after it is rolled over.
 struct CKestaLogFiles
@@ -20,53 +21,68 @@ CKestaLogFiles logFiles(const CKestaString& strFilePath, const CKestaString& str
 
 /// The log of the entry in progress: its settings, and the open file.
 ///
-/// Thread contract: the caller holds the lock of `CKestaEntries`. The level that is traced is
-/// published in `glKestaTracedLevel`, for every thread to read.
+/// It has two phases on either side, because opening, closing and renaming files may take long:
+/// `open`, then `start`; `stop`, then `close` or `rollOver`.
+///
+/// Thread contract: the caller holds a lock for all functions but `tracedLevel`, and a second one,
+/// that is never held for long, for `start`, `stop` and `enable`. So whoever holds the second one,
+/// such as a fork, finds either a log that is set up, or none.
 class CKestaTraceLog
 {
 public:
     /// The one log of the process.
     static CKestaTraceLog& instance();
 
-    /// True from a successful `setUp` to `end` or `abandon`.
+    /// True from `start` to `stop`.
     bool isSetUp() const { return m_bInitialized; }
 
-    /// Applies the settings, and opens the log.
+    /// Opens the log with the settings.
     ///
-    /// Returns false when the log can't be opened: nothing is traced then. Throws:
-    /// `std::bad_alloc`; the log is then not set up, either.
-    bool setUp(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
-               const CKestaTraceSettings& settings);
+    /// Returns false when the log can't be opened. Throws: `std::bad_alloc`. In both cases there is
+    /// nothing to close.
+    bool open(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
+              const CKestaTraceSettings& settings);
 
-    /// Closes the log, rolls it over when it has grown too large, and resets the settings. Does
-    /// nothing to a log that is not set up.
-    void end();
+    /// From now on the log is set up, and lines are written.
+    void start();
 
-    /// Like `end`, but without rolling over: another process still uses the log.
-    void abandon();
+    /// From now on the log is not set up, and the switch is off.
+    void stop();
+
+    /// Closes the file, and frees all memory.
+    void close();
+
+    /// Like `close`, but rolls the log over before, when it has grown too large.
+    void rollOver();
 
     /// Turns the switch on or off.
     void enable(bool bEnable);
 
-    /// Writes a line, if lines of its level are traced.
-    void writeLine(std::string&& strLine, int iLevel);
+    /// The highest level that is traced; below every level while the switch is off.
+    long tracedLevel() const;
 
-    /// Writes a text as it stands, if the switch is on.
-    void writeText(std::string&& strText);
+    /// Writes a line, if lines of its level are traced.
+    void writeLine(std::string_view itemType, std::string_view source, std::string_view message,
+                   int iLevel);
+
+    /// Writes a string as it is, if the switch is on.
+    void writeText(std::string_view text);
+
+    /// To be called in a forked child if another thread of the parent, which the child does not
+    /// have, was using the log. What that thread may have been changing is made anew.
+    void repairInChild();
 
 private:
-    bool isEnabled() const;
-    void reset();
-    void publish() const;
-
-    bool m_bEncrypted = true;
-    CKestaString m_strEnabled;
-    int m_iLevel = 0;
+    CKestaLogFiles m_files;
     int m_iDebugSize = 0;
-    bool m_bInitialized = false;
-    CKestaString m_strFilePath;
-    CKestaString m_strNewFile;
+    int m_iConfiguredLevel = 0;
+    bool m_bConfiguredSwitch = false;
     CKestaLineFile m_File;
+    std::string m_strLine;   // keeps its memory from line to line
+
+    bool m_bInitialized = false;
+    bool m_bEnabled = false;   // may also be turned on without a log
+    int m_iLevel = 0;
 };
 
 #endif

@@ -1,0 +1,11 @@
+#include "KestaEntry.h"
+
+CKestaEntry::CKestaEntry()
+{
+    CKestaDebug::beginEntry();
+}
+
+CKestaEntry::~CKestaEntry()
+{
+    CKestaDebug::endEntry();
+}
