@@ -265,7 +265,7 @@ TEST_F(EntriesTest, MayPassFromThreadToThread)
             for (unsigned seed = 0; seed < 6; ++seed)
             {
                 const Lines want = observed(seed, 1, false);
-                for (const std::size_t threads : {2, 3, 4, 8})
+                for (const std::size_t threads : {2U, 3U, 4U, 8U})
                     for (const bool ending : {false, true})
                         EXPECT_EQ(observed(seed, threads, ending), want)
                             << seed << ", " << threads << ending;
@@ -307,6 +307,9 @@ TEST_F(EntriesTest, OutliveTheirThread)
                 lastMoment, reinterpret_cast<void*>(std::intptr_t{PTHREAD_DESTRUCTOR_ITERATIONS}));
         }};
     for (const auto& leave : leaves)
+    {
+        if (threadSanitizer && &leave != &leaves[0])
+            continue;
         inChild(
             [&]
             {
@@ -321,6 +324,7 @@ TEST_F(EntriesTest, OutliveTheirThread)
                 EXPECT_EQ(fileText(oldLogPath()), "[MSG]:FH:another\n");
                 EXPECT_TRUE(mutexIsFree());
             });
+    }
     pthread_key_delete(lastMoment);
 }
 

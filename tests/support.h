@@ -147,6 +147,9 @@ protected:
 // corrupt.
 extern "C" [[gnu::weak]] void __asan_init();
 inline const bool addressSanitizer = &__asan_init != nullptr;
+// ThreadSanitizer can't follow a thread into its last moment.
+extern "C" [[gnu::weak]] void __tsan_init();
+inline const bool threadSanitizer = &__tsan_init != nullptr;
 
 /// Runs a check in a child, where a crash, a hang or a change of the process does no harm.
 template <class Check>

@@ -109,17 +109,6 @@ bool endWithoutLog()
     return true;
 }
 
-void endEntry()
-{
-    const CKestaNoCancellation noCancellation;
-    const CKestaErrno error;
-    if (endWithoutLog())
-        return;
-    const CLogUse log;
-    if (!endWithoutLog())   // another thread may have ended it meanwhile
-        endInProgress(log);
-}
-
 // Ends the entry in progress if nobody can be expected to: its thread has ended or, in a forked
 // child, it is the parent's, and this thread begins one of its own.
 void endAbandoned()
@@ -209,7 +198,7 @@ void beginTraced(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
     }
     catch (...)
     {
-        endEntry();   // an entry that throws holds nothing
+        CKestaDebug::unInitialize();   // an entry that throws holds nothing
         throw;
     }
 }
@@ -256,12 +245,13 @@ void afterForkInChild()
 {
     pthread_mutex_unlock(&hKestaSettingsMutex);
     CKestaTraceLog& log = CKestaTraceLog::instance();
-    if (!bUsesLog)
+    if (!bUsesLog && pthread_mutex_trylock(&hLog) != 0)
     {
-        if (pthread_mutex_trylock(&hLog) != 0)
-            log.repairInChild();   // a thread that the child does not have was using it
+        log.repairInChild();   // a thread that the child does not have was using it
         pthread_mutex_init(&hLog, nullptr);
     }
+    else if (!bUsesLog)
+        pthread_mutex_unlock(&hLog);
     pthread_cond_init(&hReleased, nullptr);
     if (!CKestaEntries::continueInChild())
     {
@@ -309,7 +299,13 @@ void CKestaDebug::beginEntry()
 
 void CKestaDebug::endEntry()
 {
-    ::endEntry();
+    const CKestaNoCancellation noCancellation;
+    const CKestaErrno error;
+    if (endWithoutLog())
+        return;
+    const CLogUse log;
+    if (!endWithoutLog())   // another thread may have ended it meanwhile
+        endInProgress(log);
 }
 
 void initialize()
@@ -336,7 +332,7 @@ int CKestaDebug::initialize(const CKestaString& strFilePath, bool bEncrypted, in
 
 void CKestaDebug::unInitialize()
 {
-    ::endEntry();
+    endEntry();
 }
 
 void CKestaDebug::logMessage(const CKestaString& strMessage, const CKestaString& strSource,
