@@ -10,6 +10,7 @@
 
 #include <arpa/inet.h>
 #include <ifaddrs.h>
+#include <pthread.h>
 #include <sys/statvfs.h>
 #include <sys/utsname.h>
 
@@ -29,6 +30,7 @@ static int result(const char* call)
 
 extern "C" int getifaddrs(ifaddrs** list) noexcept
 {
+    pthread_testcancel();   // the system's has cancellation points, too
     static ifaddrs entries[100];
     static sockaddr_storage addresses[100];
     std::istringstream texts(setting("HOST_ADDRESSES",

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <thread>
 
 extern int freedLists;
 
@@ -152,6 +153,48 @@ TEST_F(UtilitiesTest, NamesAndFailures)
     }
     EXPECT_EQ(os, "Linux");
     EXPECT_STREQ(name, "castle");
+}
+
+// Each query, by a thread that is to be cancelled already. Untraced it is completed; traced, the
+// thread ends at the first line, and leaves nothing behind that would stop an entry, here or in a
+// child.
+TEST_F(UtilitiesTest, CancelledThreads)
+{
+    if (addressSanitizer)
+        GTEST_SKIP();
+    char name[Utilities::KESTA_HOST_NAME_SIZE];
+    CKestaString os;
+    const std::pair<const char*, std::function<void()>> rows[] = {
+        {"queryHostIP", [&] { Utilities::queryHostIP(nullptr, list6, list4); }},
+        {"getInterfaceAddresses", [&] { Utilities::getInterfaceAddresses(list4, list6); }},
+        {"queryHostName", [&] { Utilities::queryHostName(name); }},
+        {"setOSName", [&] { Utilities::setOSName(os); }},
+        {"a range", [] { KestaIPRange("10.1.*.*"); }},
+        {"a refused text", [] { errorOf([] { KestaIPRange("10.1.2.3.4"); }); }}};
+    for (const auto& row : rows)
+        for (const bool isTraced : {false, true})
+        {
+            bool completed = false, ended = true;
+            std::thread(
+                [&]
+                {
+                    if (isTraced)
+                        initialize();
+                    pthread_cancel(pthread_self());
+                    row.second();
+                    completed = true;
+                    pthread_testcancel();
+                    ended = false;
+                })
+                .join();
+            EXPECT_EQ(std::pair(completed, ended), std::pair(!isTraced, true))
+                << row.first << (isTraced ? ", traced" : "");
+            if (isTraced)
+                unInitialize();   // of the entry that the thread left behind
+            const Lines wanted = traced(row.second);
+            inChild([&] { EXPECT_EQ(traced(row.second), wanted) << row.first; });
+        }
+    EXPECT_EQ(list4.size() % 5, 0U) << "whole lists";
 }
 
 TEST_F(UtilitiesTest, Prefixes)

@@ -5,6 +5,7 @@
 #include "KestaAddressNumber.h"
 #include "KestaDebug.h"
 #include "KestaException.h"
+#include "KestaProcess.h"
 
 #include <cerrno>
 #include <cstring>
@@ -134,6 +135,14 @@ void addFiltered(CKestaArray<typename TFamily::CAddress>& out,
     KESTA_DEBUG1(TFamily::szFilterOut, iTraceLevel);
 }
 
+/// `getifaddrs`, but not cancelled. It is declared to throw nothing, although it contains
+/// cancellation points: a thread that was cancelled in it would end the process.
+int listInterfaces(struct ifaddrs*& pFirst)
+{
+    const CKestaNoCancellation noCancellation;
+    return getifaddrs(&pFirst);
+}
+
 /// The part of a text that a conversion reads: up to the first "%".
 std::string_view withoutScope(const CKestaString& text)
 {
@@ -203,7 +212,7 @@ int KestaIPUtilities::getInterfaceAddresses(CKestaArray<KestaIPv4Address>& ipv4L
 {
     KESTA_DEBUG1("Entered KestaIPUtilities::getInterfaceAddresses()", iTraceLevel);
     struct ifaddrs* pFirst = nullptr;
-    if (getifaddrs(&pFirst) != 0)
+    if (listInterfaces(pFirst) != 0)
     {
         if (CKestaDebug::isTraced(iTraceLevel))
             KESTA_DEBUG2("KestaIPUtilities::getInterfaceAddresses: getifaddrs() call failed ",
