@@ -42,6 +42,8 @@ TEST_F(RangeTest, TracesOfTheForms)
         {"10.1.2.3", both4 + screened("10.1.2.3", "10.1.2.3") + pass4 + pass4},
         {"10.1.*.*", both4 + ends("10.1.0.0", "10.1.255.255") +
                          screened("10.1.0.0", "10.1.255.255") + pass4 + pass4},
+        {"10.1*", both4 + ends("10.10", "10.1255") + screened("10.10", "10.1255") + pass4 + pass4},
+        {"::ffff:0:0%*.:10", mapped + both4 + screened("10", "10") + pass4 + pass4},
         {"::ffff:10.1", mapped + both4 + screened("10.1", "10.1") + pass4 + pass4},
         {"2001:DB8::1%e", both6 + screened("2001:DB8::1%e", "2001:DB8::1%e") + pass6},
         {"2001:db8::/128",
@@ -106,6 +108,20 @@ TEST_F(RangeTest, RefusedTexts)
     for (const auto& row : rows)
         EXPECT_EQ(traced([&] { KestaIPRange range(row.first); }), rangeIn + row.second)
             << row.first;
+}
+
+TEST_F(RangeTest, NulFirstIsEmpty)
+{
+    const auto text = [](const std::string& bytes)
+    {
+        CKestaString result;
+        result.assign(bytes);   // a copy would end at the NUL; returning it makes none
+        return result;
+    };
+    const Lines refused{
+        "FH:" + rangeName + "-IPAddres is an empty string", "! IPAddres is an empty string "};
+    for (const std::string& bytes : {std::string(1, '\0'), std::string("\0.:", 3)})
+        EXPECT_EQ(traced([&] { KestaIPRange range(text(bytes)); }), rangeIn + refused);
 }
 
 TEST_F(RangeTest, MembershipIsTracedUpToTheDecision)

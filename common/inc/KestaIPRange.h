@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <iosfwd>
+#include <new>
 #include <string_view>
 #include <type_traits>
 
@@ -106,10 +107,16 @@ private:
 
         KestaIPAddress* get() const { return m_pAddress; }
 
+        // The same for an end that exists, without reading where it is.
+        const KestaIPAddress& inPlace() const
+        {
+            return *std::launder(reinterpret_cast<const KestaIPAddress*>(m_place));
+        }
+
         template <class TAddress, class... TArguments>
         TAddress& make(const TArguments&... arguments);
-        template <class TAddress, class... TText>
-        TAddress& read(const TText&... text);
+        template <class TAddress>
+        TAddress& read(std::string_view text);
         void takeOver(CEnd& other, int iFamily) noexcept;
         void clear() noexcept;
 
@@ -119,33 +126,35 @@ private:
     };
 
     KESTA_LOCAL void build(CKestaString& strRange);
-    KESTA_LOCAL void buildIPv4(const CKestaString& strRange, std::size_t ulStars);
+    KESTA_LOCAL void buildIPv4(const CKestaString& strRange, bool bStars);
+    KESTA_LOCAL void makeIPv4Ends(const CKestaString& strPattern);
     KESTA_LOCAL void buildIPv6Address(const CKestaString& strRange);
     KESTA_LOCAL void buildIPv6Prefix(const CKestaString& strRange);
     KESTA_LOCAL void buildIPv6Wildcard(const CKestaString& strRange);
     KESTA_LOCAL void makeIPv6End(int iPrefixLength);
-    KESTA_LOCAL void traceEnds(const char* pszStart, const char* pszEnd) const;
+    KESTA_LOCAL void traceMade() const;
+    KESTA_LOCAL void traceScreening() const;
     KESTA_LOCAL void takeOver(KestaIPRange& other) noexcept;
     bool isMemberByOperators(const KestaIPAddress* address) const;
     bool isMemberByOperators(const KestaIPRange& other) const;
 
     template <class TNumber>
-    static TNumber numberOf(const KestaIPAddress* pAddress)
+    static TNumber numberOf(const KestaIPAddress& address)
     {
-        return KestaAddressNumber::in<TNumber>(pAddress->viewSockAddress());
+        return KestaAddressNumber::in<TNumber>(address.viewSockAddress());
     }
 
     template <class TNumber>
-    bool spans(const KestaIPAddress* pFirst, const KestaIPAddress* pLast) const
+    bool spans(const KestaIPAddress& first, const KestaIPAddress& last) const
     {
-        return numberOf<TNumber>(m_startAddress.get()) <= numberOf<TNumber>(pFirst) &&
-               numberOf<TNumber>(m_endAddress.get()) >= numberOf<TNumber>(pLast);
+        return numberOf<TNumber>(m_startAddress.inPlace()) <= numberOf<TNumber>(first) &&
+               numberOf<TNumber>(m_endAddress.inPlace()) >= numberOf<TNumber>(last);
     }
 
     template <class TNumber>
     bool spans(const KestaIPRange& other) const
     {
-        return spans<TNumber>(other.m_startAddress.get(), other.m_endAddress.get());
+        return spans<TNumber>(other.m_startAddress.inPlace(), other.m_endAddress.inPlace());
     }
 
     CEnd m_startAddress;
@@ -158,21 +167,27 @@ private:
 // operators, which trace each comparison.
 inline bool KestaIPRange::isMember(const KestaIPAddress* address) const
 {
-    if (CKestaDebug::isTraced(KestaIPAddress::KESTA_TRACE_LEVEL) || iFamilyType == 0 ||
-        address == nullptr)
-        return isMemberByOperators(address);
-    return iFamilyType == KESTA_IPV4_FAMILY ? spans<KestaIPv4Number>(address, address)
-                                            : spans<KestaIPv6Number>(address, address);
+    if (address != nullptr && !CKestaDebug::isTraced(KestaIPAddress::KESTA_TRACE_LEVEL))
+    {
+        if (iFamilyType == KESTA_IPV4_FAMILY)
+            return spans<KestaIPv4Number>(*address, *address);
+        if (iFamilyType == KESTA_IPV6_FAMILY)
+            return spans<KestaIPv6Number>(*address, *address);
+    }
+    return isMemberByOperators(address);
 }
 
 inline bool KestaIPRange::isMember(const KestaIPRange& other) const
 {
-    if (CKestaDebug::isTraced(KestaIPAddress::KESTA_TRACE_LEVEL) || iFamilyType == 0 ||
-        iFamilyType != other.iFamilyType)
-        return isMemberByOperators(other);
-    return iFamilyType == KESTA_IPV4_FAMILY
-               ? spans<KestaIPv4Number>(other) || other.spans<KestaIPv4Number>(*this)
-               : spans<KestaIPv6Number>(other) || other.spans<KestaIPv6Number>(*this);
+    if (iFamilyType == other.iFamilyType &&
+        !CKestaDebug::isTraced(KestaIPAddress::KESTA_TRACE_LEVEL))
+    {
+        if (iFamilyType == KESTA_IPV4_FAMILY)
+            return spans<KestaIPv4Number>(other) || other.spans<KestaIPv4Number>(*this);
+        if (iFamilyType == KESTA_IPV6_FAMILY)
+            return spans<KestaIPv6Number>(other) || other.spans<KestaIPv6Number>(*this);
+    }
+    return isMemberByOperators(other);
 }
 
 /// Writes a range as its two ends: "10.1.0.0 - 10.1.255.255". A range that contains nothing is the

@@ -36,6 +36,11 @@ public:
     ///
     /// Throws: `CKestaExc`, "Passed string is not a valid IPv4 address " and the text.
     KestaIPv4Address(const CKestaString& strAddress);
+
+    /// The address of a socket, in network byte order; its text is that of `inet_ntop`. Nothing is
+    /// traced.
+    explicit KestaIPv4Address(const in_addr& address);
+
     KestaIPv4Address(const KestaIPv4Address& other) = default;
     KestaIPv4Address& operator=(const KestaIPv4Address& other) = default;
     ~KestaIPv4Address() override;
@@ -71,10 +76,7 @@ private:
 
     KESTA_LOCAL KestaIPv4Address();   // for a `read` that follows
 
-    // Each reads a text; the second one a pattern, each of its stars replaced by a text.
     KESTA_LOCAL bool read(std::string_view address);
-    KESTA_LOCAL bool read(const CKestaString& strPattern, std::size_t ulStars,
-                          std::string_view star);
     KESTA_LOCAL bool read();
     KESTA_LOCAL CKestaExc refusal() const;   // the error of a text that was not read
 };

@@ -37,6 +37,11 @@ public:
     /// Throws: `CKestaExc`, "KestaIPv6Address::KestaIPv6Address.Passed string is not a valid IPv6
     /// address " and the text.
     KestaIPv6Address(const CKestaString& strAddress);
+
+    /// The address of a socket, in network byte order; its text is that of `inet_ntop`, without a
+    /// scope. Nothing is traced.
+    explicit KestaIPv6Address(const in6_addr& address);
+
     KestaIPv6Address(const KestaIPv6Address& other) = default;
     KestaIPv6Address& operator=(const KestaIPv6Address& other) = default;
     ~KestaIPv6Address() override;

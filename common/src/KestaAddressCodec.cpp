@@ -85,14 +85,29 @@ bool readBySystem(const char* pszText, TRead read)
     return read(strAddress.c_str());
 }
 
+// The digits of each part of an IPv4 address, followed by their number.
+constexpr std::array<char[4], 256> decimalParts()
+{
+    std::array<char[4], 256> parts{};
+    for (unsigned int u = 0; u < parts.size(); ++u)
+    {
+        int iDigits = 0;
+        if (u > 99)
+            parts[u][iDigits++] = static_cast<char>('0' + u / 100);
+        if (u > 9)
+            parts[u][iDigits++] = static_cast<char>('0' + u / 10 % 10);
+        parts[u][iDigits++] = static_cast<char>('0' + u % 10);
+        parts[u][3] = static_cast<char>(iDigits);
+    }
+    return parts;
+}
+
+// REQUIRES: there is room for four characters.
 char* writePart(char* pszEnd, unsigned int uPart)
 {
-    if (uPart > 99)
-        *pszEnd++ = static_cast<char>('0' + uPart / 100);
-    if (uPart > 9)
-        *pszEnd++ = static_cast<char>('0' + uPart / 10 % 10);
-    *pszEnd++ = static_cast<char>('0' + uPart % 10);
-    return pszEnd;
+    static constexpr std::array<char[4], 256> parts = decimalParts();
+    std::memcpy(pszEnd, parts[uPart], sizeof parts[uPart]);
+    return pszEnd + parts[uPart][3];
 }
 
 char* writeParts(char* pszEnd, KestaIPv4Number number)
@@ -138,6 +153,32 @@ const char* CKestaAddressCodec::scanIPv4(const char* pText, KestaIPv4Number& num
             return nullptr;
         pText = scanPart(pText + 1, uPart);
         number = number << 8 | uPart;
+    }
+    return pText;
+}
+
+const char* CKestaAddressCodec::scanIPv4Pattern(const char* pText, KestaIPv4Number& first,
+                                                KestaIPv4Number& last)
+{
+    first = 0;
+    last = 0;
+    for (int i = 0; i < 4; ++i)
+    {
+        if (i > 0 && *pText++ != '.')
+            return nullptr;
+        unsigned int uFirst = 0;
+        unsigned int uLast = 255;
+        if (*pText == '*')
+            ++pText;
+        else
+        {
+            pText = scanPart(pText, uFirst);
+            if (pText == nullptr)
+                return nullptr;
+            uLast = uFirst;
+        }
+        first = first << 8 | uFirst;
+        last = last << 8 | uLast;
     }
     return pText;
 }

@@ -14,8 +14,12 @@ public:
     /// Returns their end, or null for any other text, which may still be an address.
     static const char* scanIPv4(const char* pText, KestaIPv4Number& number);
 
-    /// The same for eight groups of one to four hexadecimal digits; "::" may stand for some of
-    /// them.
+    /// The same for parts that may also be "*", which counts as 0 in `first` and as 255 in `last`.
+    static const char* scanIPv4Pattern(const char* pText, KestaIPv4Number& first,
+                                       KestaIPv4Number& last);
+
+    /// Reads eight groups of one to four hexadecimal digits, some of which "::" may replace, in the
+    /// same way.
     static const char* scanIPv6(const char* pText, KestaIPv6Number& number);
 
     /// Reads a whole text, up to its first "%", as `inet_aton` does.

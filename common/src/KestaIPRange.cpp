@@ -8,11 +8,10 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdlib>
-#include <cstring>
 #include <new>
-#include <system_error>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include <netinet/in.h>
@@ -45,25 +44,34 @@ constexpr std::array<unsigned char, 256> markerTable()
     return table;
 }
 
-// The markers of a text, and the number of its stars.
-struct CMarkers
+// Which of these characters a text contains.
+class CMarkers
 {
+public:
     explicit CMarkers(const CKestaString& strText)
     {
         static constexpr std::array<unsigned char, 256> table = markerTable();
         for (const char c : strText)
-        {
-            uKinds |= table[static_cast<unsigned char>(c)];
-            if (c == '*')
-                ++ulStars;
-        }
+            m_uKinds |= table[static_cast<unsigned char>(c)];
     }
 
-    bool has(unsigned char cKind) const { return (uKinds & cKind) != 0; }
+    bool has(unsigned char cKind) const { return (m_uKinds & cKind) != 0; }
 
-    unsigned int uKinds = 0;
-    std::size_t ulStars = 0;
+private:
+    unsigned int m_uKinds = 0;
 };
+
+// A text with each of its stars replaced.
+std::string starsAs(std::string_view number, const CKestaString& strPattern)
+{
+    std::string strText;
+    for (const char c : strPattern)
+        if (c == '*')
+            strText += number;
+        else
+            strText += c;
+    return strText;
+}
 
 bool isUnallowedIPv4(const KestaIPAddress& address)
 {
@@ -73,14 +81,6 @@ bool isUnallowedIPv4(const KestaIPAddress& address)
 bool isUnallowedIPv6(const KestaIPAddress& address)
 {
     return KestaIPv6Address::CheckUnAllowedIPv6AddressTypes(asIPv6(address.viewSockAddress()));
-}
-
-// The number that atoi reads. It is asked only where from_chars, which is quicker, finds none.
-int numberAt(const char* pszText)
-{
-    int iNumber = 0;
-    const auto result = std::from_chars(pszText, pszText + std::strlen(pszText), iNumber);
-    return result.ec == std::errc() ? iNumber : std::atoi(pszText);
 }
 
 // Everything after the last ":" of a text such as ::ffff:10.1.*.*
@@ -111,13 +111,13 @@ TAddress& KestaIPRange::CEnd::make(const TArguments&... arguments)
     return *pAddress;
 }
 
-// The address is made first, and read in its place; what it can't read is thrown by the caller's
-// own frame: each frame that an error unwinds costs more than reading a range.
-template <class TAddress, class... TText>
-[[gnu::always_inline]] inline TAddress& KestaIPRange::CEnd::read(const TText&... text)
+// Constructed first, then parsed in place, and inlined: the error of a text that can't be read has
+// fewer frames to unwind. Each would cost it a third more, which is more than parsing a range.
+template <class TAddress>
+[[gnu::always_inline]] inline TAddress& KestaIPRange::CEnd::read(std::string_view text)
 {
     auto& address = make<TAddress>();
-    if (!address.read(text...))
+    if (!address.read(text))
         throw address.refusal();
     return address;
 }
@@ -175,17 +175,20 @@ void KestaIPRange::takeOver(KestaIPRange& other) noexcept
 
 void KestaIPRange::build(CKestaString& strRange)
 {
-    if (strRange.empty())
+    if (*strRange.c_str() == '\0')
     {
         KESTA_DEBUG1("KestaIPRange::KestaIPRange()-IPAddres is an empty string", iTraceLevel);
-        throw errorNaming("IPAddres is an empty string ", strRange);
+        throw CKestaExc("IPAddres is an empty string ");
     }
-    const CMarkers markers(strRange);
+    CMarkers markers(strRange);
     if (markers.has(cDot))
     {
         if (markers.has(cColon))
+        {
             strRange = mappedIPv4Part(strRange);   // from here on errors name this part only
-        buildIPv4(strRange, markers.ulStars);   // a star before this part would have been refused
+            markers = CMarkers(strRange);
+        }
+        buildIPv4(strRange, markers.has(cStar));
     }
     else if (markers.has(cStar))
         buildIPv6Wildcard(strRange);
@@ -200,24 +203,21 @@ void KestaIPRange::build(CKestaString& strRange)
     }
 }
 
-void KestaIPRange::buildIPv4(const CKestaString& strRange, std::size_t ulStars)
+void KestaIPRange::buildIPv4(const CKestaString& strRange, bool bStars)
 {
     iFamilyType = KESTA_IPV4_FAMILY;
-    if (ulStars == 0)
+    if (bStars)
+    {
+        makeIPv4Ends(strRange);
+        traceMade();
+    }
+    else
     {
         m_endAddress.make<KestaIPv4Address>(m_startAddress.read<KestaIPv4Address>(strRange));
         traceIPv4Reading();
     }
-    else
-    {
-        m_startAddress.read<KestaIPv4Address>(strRange, ulStars, "0");
-        m_endAddress.read<KestaIPv4Address>(strRange, ulStars, "255");
-        traceEnds("KestaIPRange::KestaIPRange()- m_startAddress:-",
-                  "KestaIPRange::KestaIPRange()- m_endAddress:-");
-    }
 
-    traceEnds("KestaIPRange::KestaIPRange()-Before the filter check startAddress: ",
-              "KestaIPRange::KestaIPRange()-Before the filter check endAddress: ");
+    traceScreening();
     for (const CEnd* pEnd : {&m_startAddress, &m_endAddress})
     {
         if (isUnallowedIPv4(*pEnd->get()))
@@ -228,14 +228,32 @@ void KestaIPRange::buildIPv4(const CKestaString& strRange, std::size_t ulStars)
     }
 }
 
+void KestaIPRange::makeIPv4Ends(const CKestaString& strPattern)
+{
+    KestaIPv4Number first;
+    KestaIPv4Number last;
+    const char* const pEnd = CKestaAddressCodec::scanIPv4Pattern(strPattern.c_str(), first, last);
+    if (pEnd == strPattern.c_str() + strPattern.size())
+    {
+        m_startAddress.make<KestaIPv4Address>(KestaAddressNumber::toIPv4(first));
+        traceIPv4Reading();
+        m_endAddress.make<KestaIPv4Address>(KestaAddressNumber::toIPv4(last));
+        traceIPv4Reading();
+    }
+    else   // such as 10.1* or 0x0A.*
+    {
+        m_startAddress.read<KestaIPv4Address>(starsAs("0", strPattern));
+        m_endAddress.read<KestaIPv4Address>(starsAs("255", strPattern));
+    }
+}
+
 void KestaIPRange::buildIPv6Address(const CKestaString& strRange)
 {
     iFamilyType = KESTA_IPV6_FAMILY;
     m_endAddress.make<KestaIPv6Address>(m_startAddress.read<KestaIPv6Address>(strRange));
     traceIPv6Reading();
 
-    traceEnds("KestaIPRange::KestaIPRange()-Before the filter check startAddress: ",
-              "KestaIPRange::KestaIPRange()-Before the filter check endAddress: ");
+    traceScreening();
     if (isUnallowedIPv6(*m_startAddress.get()))
     {
         KESTA_DEBUG2(szNotAllowedAddressTrace, strRange, iTraceLevel);
@@ -247,7 +265,7 @@ void KestaIPRange::buildIPv6Prefix(const CKestaString& strRange)
 {
     iFamilyType = KESTA_IPV6_FAMILY;
     const std::size_t ulSlash = strRange.find('/');
-    const int iPrefixLength = numberAt(strRange.c_str() + ulSlash + 1);
+    const int iPrefixLength = std::atoi(strRange.c_str() + ulSlash + 1);
     if (iPrefixLength < 0 || iPrefixLength > 128)
     {
         KESTA_DEBUG1("KestaIPRange::KestaIPRange()-Not a Valid prefix for IPv6 Address",
@@ -256,7 +274,8 @@ void KestaIPRange::buildIPv6Prefix(const CKestaString& strRange)
     }
 
     m_startAddress.read<KestaIPv6Address>(std::string_view(strRange).substr(0, ulSlash));
-    sockaddr_in6 scratch = *asIPv6(m_startAddress.get()->viewSockAddress());   // will be changed
+    sockaddr_in6 scratch = *asIPv6(
+        m_startAddress.get()->viewSockAddress());   // ValidateIPv6StartAddress clears its prefix
     if (!KestaIPUtilities::ValidateIPv6StartAddress(&scratch, iPrefixLength))
     {
         KESTA_DEBUG1("KestaIPRange::KestaIPRange()-Not a Valid Ipv6 Address", iTraceLevel);
@@ -264,8 +283,7 @@ void KestaIPRange::buildIPv6Prefix(const CKestaString& strRange)
     }
     makeIPv6End(iPrefixLength);
 
-    traceEnds("KestaIPRange::KestaIPRange()-Before the filter check startAddress: ",
-              "KestaIPRange::KestaIPRange()-Before the filter check endAddress: ");
+    traceScreening();
     if (isUnallowedIPv6(*m_startAddress.get()))
     {
         KESTA_DEBUG1(szNotAllowedTrace, iTraceLevel);
@@ -303,14 +321,13 @@ void KestaIPRange::buildIPv6Wildcard(const CKestaString& strRange)
 
     long lPrefixLength = 0;
     if (lDigits != 0)
-        lPrefixLength = (4 * lGroups + lDigits) * 4 - 16;
+        lPrefixLength = 16 * (lGroups - 1) + 4 * lDigits;
     else if (!bAll)
         lPrefixLength = 16 * lGroups;
 
     m_startAddress.read<KestaIPv6Address>(strStart);
     makeIPv6End(static_cast<int>(lPrefixLength));
-    traceEnds("KestaIPRange::KestaIPRange()- m_startAddress:-",
-              "KestaIPRange::KestaIPRange()- m_endAddress:-");
+    traceMade();
 }
 
 void KestaIPRange::makeIPv6End(int iPrefixLength)
@@ -320,10 +337,18 @@ void KestaIPRange::makeIPv6End(int iPrefixLength)
         [&] { m_endAddress.make<KestaIPv6Address>().setBlockEnd(start, iPrefixLength); });
 }
 
-void KestaIPRange::traceEnds(const char* pszStart, const char* pszEnd) const
+void KestaIPRange::traceMade() const
 {
-    traceAddress(pszStart, *m_startAddress.get());
-    traceAddress(pszEnd, *m_endAddress.get());
+    traceAddress("KestaIPRange::KestaIPRange()- m_startAddress:-", *m_startAddress.get());
+    traceAddress("KestaIPRange::KestaIPRange()- m_endAddress:-", *m_endAddress.get());
+}
+
+void KestaIPRange::traceScreening() const
+{
+    traceAddress("KestaIPRange::KestaIPRange()-Before the filter check startAddress: ",
+                 *m_startAddress.get());
+    traceAddress("KestaIPRange::KestaIPRange()-Before the filter check endAddress: ",
+                 *m_endAddress.get());
 }
 
 // A range without ends contains nothing, and nothing contains it.

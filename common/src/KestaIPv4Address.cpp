@@ -18,25 +18,18 @@ KestaIPv4Address::KestaIPv4Address(const CKestaString& strAddress) : KestaIPAddr
         throw refusal();
 }
 
+KestaIPv4Address::KestaIPv4Address(const in_addr& address)
+{
+    char szText[INET_ADDRSTRLEN];
+    m_strIPAddress.assign(szText,
+                          CKestaAddressCodec::writeIPv4(KestaAddressNumber::of(address), szText));
+    asIPv4(m_binIPAddress)->sin_family = AF_INET;
+    asIPv4(m_binIPAddress)->sin_addr = address;
+}
+
 bool KestaIPv4Address::read(std::string_view address)
 {
     m_strIPAddress.assign(address);
-    return read();
-}
-
-bool KestaIPv4Address::read(const CKestaString& strPattern, std::size_t ulStars,
-                            std::string_view star)
-{
-    m_strIPAddress.resize(strPattern.size() + ulStars * (star.size() - 1));
-    char* pEnd = m_strIPAddress.data();
-    for (const char c : strPattern)
-    {
-        if (c != '*')
-            *pEnd++ = c;
-        else
-            for (const char cDigit : star)
-                *pEnd++ = cDigit;
-    }
     return read();
 }
 

@@ -52,6 +52,15 @@ KestaIPv6Address::KestaIPv6Address(const CKestaString& strAddress) : KestaIPAddr
         throw refusal();
 }
 
+KestaIPv6Address::KestaIPv6Address(const in6_addr& address)
+{
+    char szText[INET6_ADDRSTRLEN];
+    m_strIPAddress.assign(szText,
+                          CKestaAddressCodec::writeIPv6(KestaAddressNumber::of(address), szText));
+    asIPv6(m_binIPAddress)->sin6_family = AF_INET6;
+    asIPv6(m_binIPAddress)->sin6_addr = address;
+}
+
 bool KestaIPv6Address::read(std::string_view address)
 {
     m_strIPAddress.assign(address);
