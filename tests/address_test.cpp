@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <unordered_set>
 
 #include <arpa/inet.h>
@@ -32,9 +33,12 @@ static void checkOrder(const Address (&row)[4], int (Address::*compare)(const So
             const Address &left = row[i], &right = row[j];
             const void* socket = &right.viewSockAddress();
             const int got = (left.*compare)(static_cast<const Socket*>(socket));
-            EXPECT_EQ(std::tuple(left <= &right, left >= &right, left == &right, left < right,
-                          left == right, got),
-                std::tuple(i <= j, i >= j, i == j, i < j, i == j, i < j ? -1 : i > j))
+            EXPECT_EQ(std::tuple(left <= &right, left >= &right, left == &right, got),
+                std::tuple(i <= j, i >= j, i == j, i < j ? -1 : i > j))
+                << left << " and " << right;
+            EXPECT_EQ(std::tuple(left == right, left != right, left<right, left> right,
+                          left <= right, left >= right),
+                std::tuple(i == j, i != j, i<j, i> j, i <= j, i >= j))
                 << left << " and " << right;
         }
     EXPECT_EQ((row[0].*compare)(nullptr), 0);
@@ -51,6 +55,28 @@ TEST_F(AddressTest, Order)
         operated("IPv4", "==()") + operated("IPv4", ">=()") + operated("IPv4", "<= ()"));
     EXPECT_EQ(traced([&] { ask(in6[0]); }),
         operated("IPv6", "==()") + operated("IPv6", ">=()") + operated("IPv6", "<=()"));
+}
+
+TEST_F(AddressTest, OfSockets)
+{
+    for (const char* text : {"0.0.0.0", "10.1.2.3", "255.255.255.255", "::", "::1", "::10.1.2.3",
+             "::ffff:10.1.2.3", "2001:db8::1", "fe80:1:2:3:4:5:6:7"})
+    {
+        in_addr in4;
+        in6_addr in6;
+        std::unique_ptr<KestaIPAddress> made;
+        const auto make = [&]
+        {
+            if (inet_pton(AF_INET, text, &in4) == 1)
+                made = std::make_unique<KestaIPv4Address>(in4);
+            else if (inet_pton(AF_INET6, text, &in6) == 1)
+                made = std::make_unique<KestaIPv6Address>(in6);
+        };
+        EXPECT_EQ(traced(make), Lines{}) << text;
+        EXPECT_EQ(made->getStrAddress(), text);
+        const sockaddr_storage wanted = socketOf(text);
+        EXPECT_EQ(std::memcmp(&made->viewSockAddress(), &wanted, sizeof wanted), 0) << text;
+    }
 }
 
 TEST_F(AddressTest, Values)

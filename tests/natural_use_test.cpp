@@ -10,9 +10,11 @@
 #include "KestaIPUtilities.h"
 #include "KestaVersion.h"
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <thread>
+#include <type_traits>
 #include <unordered_map>
 
 struct Acme
@@ -64,6 +66,8 @@ bool operator==(const CKestaString&, const char*) { return true; }
 bool operator<(const CKestaDate&, const CKestaDate&) { return true; }
 bool operator!=(const CKestaDate&, const CKestaDate&) { return false; }
 std::ostream& operator<<(std::ostream& os, const CKestaExc&) { return os << "own"; }
+bool operator!=(const KestaIPv4Address&, const KestaIPv4Address&) { return true; }
+bool operator>=(const KestaIPAddress&, const KestaIPAddress&) { return false; }
 }   // namespace operators
 
 static const char* overloaded(const CKestaExc&) { return "error"; }
@@ -141,9 +145,11 @@ TEST(NaturalUse, HostsOwnOperatorsWin)
     char letters[] = "";
     const CKestaDate date("1/2/2007"), other("1/1/2007");
     const CKestaExc exc("why");
-    check({ROW(s + standard, "K own"), ROW(s + std::as_const(standard), "K own"),
-        ROW(s + "literal", "K own"), ROW(s + letters, "K own"), ROW(s == "other", "1"),
-        ROW(date < other, "1"), ROW(date != other, "0")});
+    const KestaIPv4Address address("10.1.2.3");
+    check({ROW(address != address, "1"), ROW(address >= address, "0"), ROW(s + standard, "K own"),
+        ROW(s + std::as_const(standard), "K own"), ROW(s + "literal", "K own"),
+        ROW(s + letters, "K own"), ROW(s == "other", "1"), ROW(date < other, "1"),
+        ROW(date != other, "0")});
     std::ostringstream out;
     EXPECT_EQ((out << exc, out.str()), "own");
 }
@@ -206,6 +212,33 @@ TEST(NaturalUse, ErrorsAndDates)
     new (memory) CKestaExc(*itself);
     EXPECT_EQ(shown(*itself), "-9999;;\n");
     itself->~CKestaExc();
+}
+
+template <class Left, class Right, class = void>
+constexpr bool isOrdered = false;
+template <class Left, class Right>
+constexpr bool
+    isOrdered<Left, Right, std::void_t<decltype(std::declval<Left>() < std::declval<Right>())>> =
+        true;
+typedef KestaIPv4Address IPv4;
+typedef KestaIPv6Address IPv6;
+static_assert(isOrdered<IPv4, IPv4> && isOrdered<IPv6, const IPv6&>);
+static_assert(!isOrdered<IPv4, IPv6> && !isOrdered<IPv4, IPv4*> && !isOrdered<IPv4, const char*>);
+static_assert(!std::is_convertible_v<in_addr, IPv4> && !std::is_convertible_v<in6_addr, IPv6>);
+
+TEST(NaturalUse, AddressesOfSockets)
+{
+    sockaddr_in peer = {};
+    peer.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    const IPv4 address(peer.sin_addr), other("10.1.2.3");
+    const IPv6 address6(in6addr_loopback), other6("::2");
+    check({ROW(address, "127.0.0.1"), ROW(IPv6{in6addr_any}, "::"), ROW(address == other, "0"),
+        ROW(address != other, "1"), ROW(address < other, "0"), ROW(address <= other, "0"),
+        ROW(address > other, "1"), ROW(address >= other, "1"), ROW(address6 == other6, "0"),
+        ROW(address6 != other6, "1"), ROW(address6 < other6, "1"), ROW(address6 <= other6, "1"),
+        ROW(address6 > other6, "0"), ROW(address6 >= other6, "0"), ROW(address <= &other, "0"),
+        ROW(address >= &other, "1"), ROW(address == &other, "0"),
+        ROW(std::max(address, other), "127.0.0.1")});
 }
 
 TEST(NaturalUse, AddressesAndVersion)

@@ -8,18 +8,17 @@
 
 #include <sys/socket.h>
 
-/// An IP address, held twice: as the text that it was made from, and as a socket address. The base
-/// of the two families.
+/// An IP address, stored twice: as text and as a socket address. The base of the two families.
 ///
 /// In the socket address only the family and the address bytes have a meaning; the address is in
 /// network byte order, in bytes 4 to 7 for IPv4 (`sockaddr_in`) and 8 to 23 for IPv6
-/// (`sockaddr_in6`). The rest is zero after construction from text.
+/// (`sockaddr_in6`). The rest is zero after construction.
 ///
 /// The operators that take a pointer compare the address bytes, the first byte most significant,
-/// and never look at the family: of an address of the other family they compare the bytes at the
-/// same place. The pointer must not be null and stays the caller's.
+/// and never look at the family: for the other family they compare whatever bytes are at that
+/// offset. The pointer must not be null and stays the caller's.
 ///
-/// Two values of one family can also be compared by `==` and `<`, kept in `std::map` and
+/// Two values of one family can also be compared with each other, kept in `std::map` and
 /// `std::unordered_map`, and written to a stream. These operations use the address bytes, except
 /// for the stream, which gets the text, and trace nothing.
 ///
@@ -93,8 +92,8 @@ private:
     KESTA_LOCAL void takeOver(KestaIPAddress& other) noexcept;   // other keeps its socket address
 };
 
-/// How the operators for addresses and ranges take a value. The conversion makes them a worse match
-/// than any operator of the host's own that takes the value or its base class.
+/// Parameter type of the address and range operators. It needs a conversion, so a host's own
+/// operator that takes the value or its base class is always the better match.
 template <class TValue>
 struct KestaOperand
 {

@@ -81,6 +81,8 @@ private:
     KESTA_LOCAL CKestaExc refusal() const;   // the error of a text that was not read
 };
 
+// These are templates, so that a host's own operators win, as everywhere.
+
 /// True when two addresses have the same bytes.
 template <int = 0>
 bool operator==(KestaOperand<KestaIPv4Address> left, KestaOperand<KestaIPv4Address> right)
@@ -88,13 +90,33 @@ bool operator==(KestaOperand<KestaIPv4Address> left, KestaOperand<KestaIPv4Addre
     return KestaAddressNumber::in<KestaIPv4Number>(left.value.viewSockAddress()) ==
            KestaAddressNumber::in<KestaIPv4Number>(right.value.viewSockAddress());
 }
+template <int = 0>
+bool operator!=(KestaOperand<KestaIPv4Address> left, KestaOperand<KestaIPv4Address> right)
+{
+    return !(left == right);
+}
 
-/// True when the left address comes before the right one.
+/// True when the left address comes before the right one; the other orderings follow from this.
 template <int = 0>
 bool operator<(KestaOperand<KestaIPv4Address> left, KestaOperand<KestaIPv4Address> right)
 {
     return KestaAddressNumber::in<KestaIPv4Number>(left.value.viewSockAddress()) <
            KestaAddressNumber::in<KestaIPv4Number>(right.value.viewSockAddress());
+}
+template <int = 0>
+bool operator>(KestaOperand<KestaIPv4Address> left, KestaOperand<KestaIPv4Address> right)
+{
+    return right < left;
+}
+template <int = 0>
+bool operator<=(KestaOperand<KestaIPv4Address> left, KestaOperand<KestaIPv4Address> right)
+{
+    return !(right < left);
+}
+template <int = 0>
+bool operator>=(KestaOperand<KestaIPv4Address> left, KestaOperand<KestaIPv4Address> right)
+{
+    return !(left < right);
 }
 
 /// Hashes the address bytes, which `==` compares.

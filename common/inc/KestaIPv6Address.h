@@ -57,7 +57,7 @@ public:
     int compareTwoIPv6Addresses(const sockaddr_in6* other) const;
 
     /// True when the address must not be used: it is of a class that a flag excludes, an
-    /// IPv4-compatible address (such as `::10.1.2.3`, above `::1`), or ::. IPv4-mapped addresses
+    /// IPv4-compatible address (::a.b.c.d other than ::1), or ::. IPv4-mapped addresses
     /// and ::1 pass. REQUIRES: the pointer is not null.
     static bool CheckUnAllowedIPv6AddressTypes(const sockaddr_in6* sa);
 
@@ -76,6 +76,8 @@ private:
     KESTA_LOCAL void setBlockEnd(const in6_addr& start, int iPrefixLength);
 };
 
+// These are templates, so that a host's own operators win, as everywhere.
+
 /// True when two addresses have the same bytes.
 template <int = 0>
 bool operator==(KestaOperand<KestaIPv6Address> left, KestaOperand<KestaIPv6Address> right)
@@ -83,13 +85,33 @@ bool operator==(KestaOperand<KestaIPv6Address> left, KestaOperand<KestaIPv6Addre
     return KestaAddressNumber::in<KestaIPv6Number>(left.value.viewSockAddress()) ==
            KestaAddressNumber::in<KestaIPv6Number>(right.value.viewSockAddress());
 }
+template <int = 0>
+bool operator!=(KestaOperand<KestaIPv6Address> left, KestaOperand<KestaIPv6Address> right)
+{
+    return !(left == right);
+}
 
-/// True when the left address comes before the right one.
+/// True when the left address comes before the right one; the other orderings follow from this.
 template <int = 0>
 bool operator<(KestaOperand<KestaIPv6Address> left, KestaOperand<KestaIPv6Address> right)
 {
     return KestaAddressNumber::in<KestaIPv6Number>(left.value.viewSockAddress()) <
            KestaAddressNumber::in<KestaIPv6Number>(right.value.viewSockAddress());
+}
+template <int = 0>
+bool operator>(KestaOperand<KestaIPv6Address> left, KestaOperand<KestaIPv6Address> right)
+{
+    return right < left;
+}
+template <int = 0>
+bool operator<=(KestaOperand<KestaIPv6Address> left, KestaOperand<KestaIPv6Address> right)
+{
+    return !(right < left);
+}
+template <int = 0>
+bool operator>=(KestaOperand<KestaIPv6Address> left, KestaOperand<KestaIPv6Address> right)
+{
+    return !(left < right);
 }
 
 /// Hashes the address bytes, which `==` compares.
