@@ -1,3 +1,4 @@
+#include "KestaArgument.h"
 #include "KestaCommand.h"
 #include "KestaCommands.h"
 #include "KestaFilterScanner.h"
@@ -33,7 +34,9 @@ struct CFilterStyle
 class CFilterSink : public CKestaFilterScanner::CSink
 {
 public:
-    CFilterSink(const CFilterStyle& style, CKestaOutput& output) : m_style(style), m_output(output)
+    CFilterSink(const CFilterStyle& style, const CKestaFilterRules& rules, CKestaOutput& output)
+        : m_style(style), m_strField("field " + std::to_string(rules.field.ulNumber)),
+          m_output(output)
     {
     }
 
@@ -45,51 +48,49 @@ public:
             m_output.write(namePrefix() + std::to_string(ullSelected) + "\n");
     }
 
-    void selected(std::uint64_t ullLine, std::string_view bytes) override
+    void selected(std::uint64_t ullLine, long, std::string_view bytes) override
     {
         if (m_style.bCount || m_style.bQuiet)
             return;
-        if (m_style.bNames || m_style.bNumbers)
-            writeLines(ullLine, bytes);
-        else
-            m_output.write(bytes);
+        if (m_bLineStart && m_style.bNames)
+            m_output.write(namePrefix());
+        if (m_bLineStart && m_style.bNumbers)
+            m_output.write(std::to_string(ullLine) + ":");
+        m_bLineStart = bytes.back() == '\n';
+        m_output.write(bytes);
     }
 
     void unreadable(std::uint64_t ullLine, std::string_view text) override
     {
-        constexpr std::size_t ulShown = 64;
-        const std::string strShown(text.substr(0, ulShown));
-        report(m_strFile + ":" + std::to_string(ullLine) +
-               ": not an IP address: " + inQuotes(strShown + (text.size() > ulShown ? "..." : "")));
+        if (++m_ullUnreadable <= uReported)
+            report(
+                m_strFile + ":" + std::to_string(ullLine) + ": " +
+                (text.empty() ? m_strField + " is empty" : "not an IP address: " + inQuotes(text)));
+    }
+
+    /// Tells how many lines could not be read, if not all were reported.
+    void summarise(std::uint64_t ullLines) const
+    {
+        if (m_ullUnreadable <= uReported)
+            return;
+        report(std::to_string(m_ullUnreadable) + " of " + std::to_string(ullLines) +
+               " lines have no IP address in " + m_strField);
+        if (m_ullUnreadable * 10 >= ullLines * 9)
+            report("lines begin with their address, unless --field N names another field; "
+                   "--anywhere finds addresses in any text");
     }
 
 private:
+    static constexpr std::uint64_t uReported = 10;
+
     std::string namePrefix() const { return m_style.bNames ? m_strFile + ":" : ""; }
 
-    // The bytes start a line, or continue one that an earlier call has started.
-    void writeLines(std::uint64_t ullLine, std::string_view bytes)
-    {
-        while (!bytes.empty())
-        {
-            if (m_bLineStart)
-            {
-                m_output.write(namePrefix());
-                if (m_style.bNumbers)
-                    m_output.write(std::to_string(ullLine) + ":");
-            }
-            const std::size_t ulNewline = bytes.find('\n');
-            m_bLineStart = ulNewline != std::string_view::npos;
-            const std::size_t ulLength = m_bLineStart ? ulNewline + 1 : bytes.size();
-            m_output.write(bytes.substr(0, ulLength));
-            bytes.remove_prefix(ulLength);
-            ++ullLine;
-        }
-    }
-
     const CFilterStyle m_style;
+    const std::string m_strField;
     CKestaOutput& m_output;
     std::string m_strFile;
     bool m_bLineStart = true;
+    std::uint64_t m_ullUnreadable = 0;
 };
 
 class CFilterCommand : public CKestaCommand
@@ -101,6 +102,7 @@ public:
 
 private:
     void sortArguments();
+    void readField();
     void scan(const std::string& strPath, CKestaFilterScanner& scanner, CFilterSink& sink,
               CKestaOutput& output) const;
     bool isAnswered(const CKestaFilterScanner& scanner) const;
@@ -109,18 +111,19 @@ private:
     std::vector<std::string> m_ranges;
     std::vector<std::string> m_rangeFiles;
     std::vector<std::string> m_files;
+    std::string m_strField;
+    std::string m_strSeparator;
+    CKestaFilterRules m_rules;
     CFilterStyle m_style;
     bool m_bNoNames = false;
-    bool m_bInvert = false;
-    bool m_bMapped = false;
 };
 
 CFilterCommand::CFilterCommand(CLI::App& root)
     : CKestaCommand(
           root, "filter", "Write the lines whose address lies in any of the ranges",
-          "Each line begins with an address, which ends at the first white space or comma.\n"
-          "Lines whose address can't be read are reported, and never written. With -e or\n"
-          "-f, all arguments are files.\n\n"
+          "The address of a line is its first field, which ends at white space or a comma,\n"
+          "unless --field or --anywhere is given. Lines whose address can't be read are\n"
+          "reported, and never written. With -e or -f, all arguments are files.\n\n"
           "Exit status: 0 if a line was selected, 1 if none was, 2 after an error")
 {
     m_app.add_option("RANGE", m_strRange, "The range; see \"kesta range --help\"")->type_name("");
@@ -135,7 +138,20 @@ CFilterCommand::CFilterCommand(CLI::App& root)
                     "Read ranges from a file, one per line; \"#\" begins a comment")
         ->type_name("FILE")
         ->allow_extra_args(false);
-    m_app.add_flag("-v,--invert-match", m_bInvert,
+    CLI::Option* const pField =
+        m_app.add_option("-k,--field", m_strField, "Read the address from field N of each line")
+            ->type_name("N");
+    CLI::Option* const pSeparator =
+        m_app
+            .add_option("-t,--field-separator", m_strSeparator,
+                        "Fields end at the character C, except within quotes")
+            ->type_name("C");
+    m_app
+        .add_flag("-a,--anywhere", m_rules.bAnywhere,
+                  "Select the lines that contain an address in a range")
+        ->excludes(pField)
+        ->excludes(pSeparator);
+    m_app.add_flag("-v,--invert-match", m_rules.bInvert,
                    "Select the lines whose address lies in no range");
     m_app.add_flag("-c,--count", m_style.bCount,
                    "Write only the number of selected lines per file");
@@ -144,12 +160,13 @@ CFilterCommand::CFilterCommand(CLI::App& root)
                    "Write nothing; stop at the first selected line");
     m_app.add_flag("-H,--with-filename", m_style.bNames, "Prefix each line with its file name");
     m_app.add_flag("--no-filename", m_bNoNames, "Never prefix lines with file names");
-    m_app.add_flag("--mapped", m_bMapped, "Treat IPv4-mapped addresses as IPv4 addresses");
+    m_app.add_flag("--mapped", m_rules.bMapped, "Treat IPv4-mapped addresses as IPv4 addresses");
 }
 
 int CFilterCommand::run(CKestaOutput& output)
 {
     sortArguments();
+    readField();
     CKestaRangeList ranges;
     for (const std::string& strRange : m_ranges)
         ranges.add(strRange);
@@ -158,8 +175,8 @@ int CFilterCommand::run(CKestaOutput& output)
     if (!ranges.isComplete())
         return iStatusError;
 
-    CFilterSink sink(m_style, output);
-    CKestaFilterScanner scanner(ranges.build(), m_bInvert, m_bMapped, sink);
+    CFilterSink sink(m_style, m_rules, output);
+    CKestaFilterScanner scanner(ranges.build(), m_rules, sink);
     bool bFailed = false;
     for (const std::string& strPath : m_files)
     {
@@ -177,6 +194,7 @@ int CFilterCommand::run(CKestaOutput& output)
         if (isAnswered(scanner))
             return iStatusYes;
     }
+    sink.summarise(scanner.lines());
     if (bFailed)
         return iStatusError;
     return scanner.selectedLines() > 0 ? iStatusYes : iStatusNo;
@@ -205,6 +223,19 @@ void CFilterCommand::sortArguments()
     m_style.bNames = (m_style.bNames || m_files.size() > 1) && !m_bNoNames;
 }
 
+void CFilterCommand::readField()
+{
+    if (has("--field"))
+        m_rules.field.ulNumber = static_cast<std::size_t>(
+            readNumber("--field", m_strField, 1, static_cast<long>(m_rules.ulJudged)));
+    if (!has("--field-separator"))
+        return;
+    if (m_strSeparator.size() != 1)
+        throw CKestaToolError("--field-separator " + inQuotes(m_strSeparator) +
+                              ": expected one character, such as , or $'\\t' for a tab");
+    m_rules.field.separator = m_strSeparator.front();
+}
+
 void CFilterCommand::scan(const std::string& strPath, CKestaFilterScanner& scanner,
                           CFilterSink& sink, CKestaOutput& output) const
 {
@@ -212,7 +243,7 @@ void CFilterCommand::scan(const std::string& strPath, CKestaFilterScanner& scann
     CKestaProgress progress(input);
     const std::uint64_t ullBefore = scanner.selectedLines();
     sink.beginFile(input.name());
-    for (std::string_view bytes = input.read(); !bytes.empty(); bytes = input.read())
+    for (std::string_view bytes = input.readFirst(); !bytes.empty(); bytes = input.read())
     {
         scanner.feed(bytes);
         if (isAnswered(scanner))

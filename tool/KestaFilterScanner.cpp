@@ -1,20 +1,11 @@
 #include "KestaFilterScanner.h"
 
 #include "KestaAddressNumber.h"
-#include "KestaToolText.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace
 {
-
-constexpr std::size_t ulLongestStart = 4096;
-
-bool endsAddress(char c)
-{
-    return c == ' ' || c == ',' || (c >= '\t' && c <= '\r');   // a newline, too
-}
 
 const char* findNewline(const char* pByte, const char* pEnd)
 {
@@ -29,20 +20,20 @@ std::string_view between(const char* pByte, const char* pEnd)
 
 }   // namespace
 
-CKestaFilterScanner::CKestaFilterScanner(const KestaIPRangeSet& set, bool bInvert, bool bMapped,
+CKestaFilterScanner::CKestaFilterScanner(const KestaIPRangeSet& set, const CKestaFilterRules& rules,
                                          CSink& sink)
-    : m_set(set), m_bInvert(bInvert), m_bMapped(bMapped), m_sink(sink)
+    : m_set(set), m_rules(rules),
+      m_bFirstField(!rules.bAnywhere && rules.field.ulNumber == 1 && !rules.field.separator),
+      m_sink(sink)
 {
 }
 
 void CKestaFilterScanner::feed(std::string_view bytes)
 {
-    if (m_ulMark < byteOrderMark.size())
-        bytes = skipMark(bytes);
     const char* pByte = bytes.data();
     const char* const pEnd = pByte + bytes.size();
     if (m_bDecided || !m_strBegun.empty())
-        pByte = finishLine(pByte, pEnd);
+        pByte = continueLine(pByte, pEnd);
     if (pByte == pEnd)
         return;
 
@@ -53,128 +44,141 @@ void CKestaFilterScanner::feed(std::string_view bytes)
         scanLines(pByte, pRest);
         pByte = pRest;
     }
-    beginLine(between(pByte, pEnd));
+    m_strBegun = between(pByte, pEnd);
+    decideLongLine();
 }
 
 void CKestaFilterScanner::finish()
 {
-    const bool bMarkCutShort = m_ulMark % byteOrderMark.size() != 0;
-    if (m_bDecided || !m_strBegun.empty() || bMarkCutShort)
+    if (m_bDecided || !m_strBegun.empty())
         feed("\n");
+    m_ullLines += m_ullLine;
     m_ullLine = 0;
-    m_ulMark = 0;
-}
-
-// Skips a byte-order mark at the start of a file, or the part of it that these bytes hold.
-std::string_view CKestaFilterScanner::skipMark(std::string_view bytes)
-{
-    while (!bytes.empty() && m_ulMark < byteOrderMark.size())
-    {
-        if (bytes.front() != byteOrderMark[m_ulMark])
-        {
-            m_strBegun = byteOrderMark.substr(0, m_ulMark);   // not a mark: part of the first line
-            m_ulMark = byteOrderMark.size();
-            break;
-        }
-        ++m_ulMark;
-        bytes.remove_prefix(1);
-    }
-    return bytes;
 }
 
 // Continues the line whose start was in an earlier piece. Returns where the next line starts.
-const char* CKestaFilterScanner::finishLine(const char* pByte, const char* pEnd)
+const char* CKestaFilterScanner::continueLine(const char* pByte, const char* pEnd)
 {
     const char* const pNewline = findNewline(pByte, pEnd);
     const char* const pRest = pNewline != nullptr ? pNewline + 1 : pEnd;
-    if (!m_bDecided)
+    if (m_bDecided)
     {
-        std::string strLine;
-        strLine.swap(m_strBegun);
-        strLine.append(pByte, pRest);
-        if (pNewline != nullptr)
-            scanLines(strLine.data(), strLine.data() + strLine.size());
-        else
-            beginLine(strLine);
+        if (m_bDecidedSelected)
+            m_sink.selected(m_ullLine, m_lRange, between(pByte, pRest));
+        m_bDecided = pNewline == nullptr;
         return pRest;
     }
-    if (m_bDecidedSelected)
-        m_sink.selected(m_ullLine, between(pByte, pRest));
-    m_bDecided = pNewline == nullptr;
+    m_strBegun.append(pByte, pRest);
+    if (pNewline != nullptr)
+    {
+        scanLines(m_strBegun.data(), m_strBegun.data() + m_strBegun.size());
+        m_strBegun.clear();
+    }
+    decideLongLine();
     return pRest;
 }
 
 // Looks at whole lines, each with its newline.
 void CKestaFilterScanner::scanLines(const char* pLine, const char* pEnd)
 {
-    const char* pSelected = nullptr;   // the start of selected lines that go out together
-    std::uint64_t ullSelected = 0;
     while (pLine != pEnd)
     {
         const char* pStop = pLine;
         const bool bSelected = judgeLine(pLine, pEnd, &pStop);
-        if (bSelected != (pSelected != nullptr))
+        const char* const pNext = (*pStop == '\n' ? pStop : findNewline(pStop, pEnd)) + 1;
+        if (bSelected)
         {
-            if (!bSelected)
-                m_sink.selected(ullSelected, between(pSelected, pLine));
-            pSelected = bSelected ? pLine : nullptr;
-            ullSelected = m_ullLine;
+            ++m_ullSelected;
+            m_sink.selected(m_ullLine, m_lRange, between(pLine, pNext));
         }
-        pLine = *pStop == '\n' ? pStop + 1 : findNewline(pStop, pEnd) + 1;
+        pLine = pNext;
     }
-    if (pSelected != nullptr)
-        m_sink.selected(ullSelected, between(pSelected, pEnd));
 }
 
-// Keeps the start of a line that continues in the next piece, or judges it, once it is long enough.
-void CKestaFilterScanner::beginLine(std::string_view bytes)
+// Judges a line that continues in the next piece, once its start is long enough.
+void CKestaFilterScanner::decideLongLine()
 {
-    if (bytes.size() < ulLongestStart)
-    {
-        m_strBegun = bytes;
+    if (m_strBegun.size() <= m_rules.ulJudged)
         return;
-    }
     ++m_ullLine;
     m_bDecided = true;
-    m_bDecidedSelected = judgeSlowly(bytes.substr(0, ulLongestStart));
+    m_bDecidedSelected = judgeSlowly(m_strBegun);
     if (m_bDecidedSelected)
-        m_sink.selected(m_ullLine, bytes);
+    {
+        ++m_ullSelected;
+        m_sink.selected(m_ullLine, m_lRange, m_strBegun);
+    }
+    m_strBegun.clear();
 }
 
-// Judges a line by its address. There is no newline before `*ppStop`.
+// Judges a line. There is no newline before `*ppStop`.
 bool CKestaFilterScanner::judgeLine(const char* pLine, const char* pLimit, const char** ppStop)
 {
     ++m_ullLine;
-    CKestaAddress address;
-    const char* const pAddressEnd = scanAddress(pLine, address);
-    if (pAddressEnd != nullptr && endsAddress(*pAddressEnd))
+    if (m_bFirstField)
     {
-        *ppStop = pAddressEnd;
-        return isSelected(address);
+        CKestaAddress address;
+        const char* const pAddressEnd = scanAddress(pLine, address);
+        if (pAddressEnd != nullptr && CKestaFilterField::isEnd(*pAddressEnd))
+        {
+            *ppStop = pAddressEnd;
+            return isSelected(address);
+        }
     }
     *ppStop = findNewline(pLine, pLimit);
-    return judgeSlowly(between(pLine, *ppStop).substr(0, ulLongestStart));
+    if (m_rules.bAnywhere && *ppStop - pLine <= static_cast<std::ptrdiff_t>(m_rules.ulJudged))
+        return judgeAnywhere(pLine);
+    return judgeSlowly(between(pLine, *ppStop));
 }
 
-// Leaves an address in an unusual form to the library.
+// An address that reaches beyond the start that is judged must not be read as a shorter one. The
+// letter makes it unreadable.
 bool CKestaFilterScanner::judgeSlowly(std::string_view line)
 {
-    const auto itEnd = std::find_if(line.begin(), line.end(), &endsAddress);
-    const std::string_view text = line.substr(0, static_cast<std::size_t>(itEnd - line.begin()));
+    std::string strStart;
+    if (line.size() > m_rules.ulJudged)
+    {
+        strStart.append(line.substr(0, m_rules.ulJudged)).append("x\n");
+        line = std::string_view(strStart).substr(0, m_rules.ulJudged + 1);
+    }
+    return m_rules.bAnywhere ? judgeAnywhere(line.data()) : judgeField(line);
+}
+
+bool CKestaFilterScanner::judgeField(std::string_view line)
+{
+    const std::string_view text = m_rules.field.of(line);
     CKestaAddress address;
-    if (text.size() < ulLongestStart && readAddress(text, address))
+    if (readField(text, address))
         return isSelected(address);
-    m_sink.unreadable(m_ullLine, text);
+    const bool bWithLetter = line.size() > m_rules.ulJudged && text.end() == line.end();
+    m_sink.unreadable(m_ullLine, text.substr(0, text.size() - (bWithLetter ? 1 : 0)));
     return false;
+}
+
+bool CKestaFilterScanner::judgeAnywhere(const char* pLine)
+{
+    CKestaAddressSearch search(pLine);
+    CKestaAddress address;
+    bool bFound = false;
+    m_lRange = -1;
+    while (m_lRange < 0 && search.next(address))
+    {
+        bFound = true;
+        m_lRange = rangeOf(address);
+    }
+    return bFound && (m_lRange >= 0) != m_rules.bInvert;
 }
 
 bool CKestaFilterScanner::isSelected(const CKestaAddress& address)
 {
-    const bool bAsIPv4 = !address.bIPv6 || (m_bMapped && address.number >> 32 == 0xFFFF);
-    const bool bInside = bAsIPv4 ? m_set.isMember(KestaAddressNumber::toIPv4(
-                                       static_cast<KestaIPv4Number>(address.number)))
-                                 : m_set.isMember(KestaAddressNumber::toIPv6(address.number));
-    const bool bSelected = bInside != m_bInvert;
-    m_ullSelected += bSelected ? 1 : 0;
-    return bSelected;
+    m_lRange = rangeOf(address);
+    return (m_lRange >= 0) != m_rules.bInvert;
+}
+
+long CKestaFilterScanner::rangeOf(const CKestaAddress& address) const
+{
+    const bool bAsIPv4 = !address.bIPv6 || (m_rules.bMapped && address.number >> 32 == 0xFFFF);
+    return bAsIPv4 ? m_set.indexOf(
+                         KestaAddressNumber::toIPv4(static_cast<KestaIPv4Number>(address.number)))
+                   : m_set.indexOf(KestaAddressNumber::toIPv6(address.number));
 }

@@ -1,5 +1,7 @@
 #include "KestaInput.h"
 
+#include "KestaToolText.h"
+
 #include <cerrno>
 #include <cstddef>
 
@@ -53,13 +55,34 @@ CKestaInput::CKestaInput(const std::string& strName, int iFile) : m_strName(strN
     m_buffer.resize(ulBlock);
 }
 
+std::string_view CKestaInput::readFirst()
+{
+    std::string_view bytes;
+    bool bEnd = false;
+    while (!bEnd && bytes == byteOrderMark.substr(0, bytes.size()))   // it may come in pieces
+    {
+        const std::size_t ulBefore = bytes.size();
+        bytes = readBehind(ulBefore);
+        bEnd = bytes.size() == ulBefore;
+    }
+    const bool bMarked = bytes.substr(0, byteOrderMark.size()) == byteOrderMark;
+    return bytes.substr(bMarked ? byteOrderMark.size() : 0);
+}
+
 std::string_view CKestaInput::read()
+{
+    return readBehind(0);
+}
+
+// Reads behind the first bytes of the buffer, and returns all.
+std::string_view CKestaInput::readBehind(std::size_t ulKept)
 {
     while (true)
     {
-        const ssize_t lRead = ::read(m_file.get(), m_buffer.data(), m_buffer.size());
+        const ssize_t lRead =
+            ::read(m_file.get(), m_buffer.data() + ulKept, m_buffer.size() - ulKept);
         if (lRead >= 0)
-            return {m_buffer.data(), static_cast<std::size_t>(lRead)};
+            return {m_buffer.data(), ulKept + static_cast<std::size_t>(lRead)};
         if (errno != EINTR)
             throw CKestaInputError(systemError(m_strName, errno));
     }

@@ -4,6 +4,7 @@
 #include "KestaDescriptor.h"
 #include "KestaToolError.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -49,6 +50,9 @@ public:
     /// The same, or null if the file does not exist.
     static std::unique_ptr<CKestaInput> openIfThere(const std::string& strPath);
 
+    /// The first bytes of a text, without a byte-order mark, which some editors put there.
+    std::string_view readFirst();
+
     /// The next bytes; none at the end, for now. They are valid until the next call.
     std::string_view read();
 
@@ -69,6 +73,7 @@ public:
 
 private:
     CKestaInput(const std::string& strName, int iFile);
+    std::string_view readBehind(std::size_t ulKept);
     bool isStandardOutput() const;
 
     std::string m_strName;

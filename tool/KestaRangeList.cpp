@@ -28,17 +28,16 @@ void CKestaRangeList::addFile(const std::string& strPath)
     std::size_t ulLine = 0;
     const auto addLine = [&]
     {
-        std::string_view line = strLine;
-        if (++ulLine == 1 && line.substr(0, byteOrderMark.size()) == byteOrderMark)
-            line.remove_prefix(byteOrderMark.size());
-        const std::string_view range = withoutBlanks(line.substr(0, line.find('#')));
+        ++ulLine;
+        const std::string_view range =
+            withoutBlanks(std::string_view(strLine).substr(0, strLine.find_first_of("#;")));
         if (!range.empty())
             add(std::string(range), input.name() + ":" + std::to_string(ulLine) + ": ");
         strLine.clear();
     };
-    for (std::string_view bytes = input.read(); !bytes.empty(); bytes = input.read())
+    for (std::string_view bytes = input.readFirst(); !bytes.empty(); bytes = input.read())
     {
-        for (std::size_t ulNewline; (ulNewline = bytes.find('\n')) != std::string_view::npos;)
+        for (std::size_t ulNewline; (ulNewline = bytes.find('\n')) != bytes.npos;)
         {
             strLine += bytes.substr(0, ulNewline);
             bytes.remove_prefix(ulNewline + 1);

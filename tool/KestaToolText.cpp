@@ -58,7 +58,8 @@ std::string printable(std::string_view text, std::string_view kept)
 
 std::string inQuotes(std::string_view text)
 {
-    return "'" + std::string(text) + "'";
+    constexpr std::size_t ulShown = 64;
+    return "'" + std::string(text.substr(0, ulShown)) + (text.size() > ulShown ? "...'" : "'");
 }
 
 std::string_view withoutBlanks(std::string_view text)

@@ -8,7 +8,7 @@
 /// is written as \x and two digits, except for the characters in `kept`.
 std::string printable(std::string_view text, std::string_view kept = {});
 
-/// A text in single quotes.
+/// The first 64 bytes of a text, in single quotes.
 std::string inQuotes(std::string_view text);
 
 /// A text without the white space around it.
