@@ -24,4 +24,12 @@ long readNumber(const std::string& strName, const std::string& strText, long lLo
 /// text.
 bool scanNumber(const std::string& strText, long lLowest, long lHighest, long& lNumber);
 
+/// The help text of --exclude.
+std::string exclusionHelp();
+
+/// Sets the exclusion flags of both address families for a comma-separated list of classes.
+///
+/// Throws: `CKestaToolError` for a name that `exclusionHelp` does not list; no flag is set then.
+void excludeClasses(const std::string& strClasses);
+
 #endif

@@ -28,15 +28,17 @@ struct CFilterStyle
     bool bQuiet = false;     // nothing at all
     bool bNames = false;     // the file's name in front
     bool bNumbers = false;   // the line's number in front
+    bool bRanges = false;    // the range that the address is in, in front of everything
 };
 
 /// Writes what was found, and reports the lines that can't be read.
 class CFilterSink : public CKestaFilterScanner::CSink
 {
 public:
-    CFilterSink(const CFilterStyle& style, const CKestaFilterRules& rules, CKestaOutput& output)
+    CFilterSink(const CFilterStyle& style, const CKestaFilterRules& rules,
+                const CKestaRangeList& ranges, CKestaOutput& output)
         : m_style(style), m_strField("field " + std::to_string(rules.field.ulNumber)),
-          m_output(output)
+          m_ranges(ranges), m_output(output)
     {
     }
 
@@ -48,10 +50,12 @@ public:
             m_output.write(namePrefix() + std::to_string(ullSelected) + "\n");
     }
 
-    void selected(std::uint64_t ullLine, long, std::string_view bytes) override
+    void selected(std::uint64_t ullLine, long lRange, std::string_view bytes) override
     {
         if (m_style.bCount || m_style.bQuiet)
             return;
+        if (m_bLineStart && m_style.bRanges)
+            m_output.write(m_ranges.textAt(lRange) + "\t");
         if (m_bLineStart && m_style.bNames)
             m_output.write(namePrefix());
         if (m_bLineStart && m_style.bNumbers)
@@ -87,6 +91,7 @@ private:
 
     const CFilterStyle m_style;
     const std::string m_strField;
+    const CKestaRangeList& m_ranges;
     CKestaOutput& m_output;
     std::string m_strFile;
     bool m_bLineStart = true;
@@ -135,7 +140,7 @@ CFilterCommand::CFilterCommand(CLI::App& root)
         ->allow_extra_args(false);
     m_app
         .add_option("-f,--file", m_rangeFiles,
-                    "Read ranges from a file, one per line; \"#\" begins a comment")
+                    "Read ranges from a file, one per line; \"#\" and \";\" begin comments")
         ->type_name("FILE")
         ->allow_extra_args(false);
     CLI::Option* const pField =
@@ -151,8 +156,12 @@ CFilterCommand::CFilterCommand(CLI::App& root)
                   "Select the lines that contain an address in a range")
         ->excludes(pField)
         ->excludes(pSeparator);
-    m_app.add_flag("-v,--invert-match", m_rules.bInvert,
-                   "Select the lines whose address lies in no range");
+    CLI::Option* const pInvert = m_app.add_flag("-v,--invert-match", m_rules.bInvert,
+                                                "Select the lines whose address lies in no range");
+    m_app
+        .add_flag("-r,--show-range", m_style.bRanges,
+                  "Prefix each line with the first range that contains its address, and a tab")
+        ->excludes(pInvert);
     m_app.add_flag("-c,--count", m_style.bCount,
                    "Write only the number of selected lines per file");
     m_app.add_flag("-n,--line-number", m_style.bNumbers, "Prefix each line with its line number");
@@ -167,15 +176,15 @@ int CFilterCommand::run(CKestaOutput& output)
 {
     sortArguments();
     readField();
-    CKestaRangeList ranges;
+    CKestaRangeList ranges(m_style.bRanges);
     for (const std::string& strRange : m_ranges)
         ranges.add(strRange);
     for (const std::string& strPath : m_rangeFiles)
         ranges.addFile(strPath);
-    if (!ranges.isComplete())
+    if (!ranges.allRead())
         return iStatusError;
 
-    CFilterSink sink(m_style, m_rules, output);
+    CFilterSink sink(m_style, m_rules, ranges, output);
     CKestaFilterScanner scanner(ranges.build(), m_rules, sink);
     bool bFailed = false;
     for (const std::string& strPath : m_files)

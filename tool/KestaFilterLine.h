@@ -1,7 +1,7 @@
 #ifndef KESTA_FILTER_LINE_H
 #define KESTA_FILTER_LINE_H
 
-#include "KestaAddressText.h"
+#include "KestaAddresses.h"
 
 #include <cstddef>
 #include <optional>

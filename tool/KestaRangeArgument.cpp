@@ -1,8 +1,7 @@
 #include "KestaRangeArgument.h"
 
-#include "KestaAddressInterval.h"
 #include "KestaAddressNumber.h"
-#include "KestaAddressText.h"
+#include "KestaAddresses.h"
 #include "KestaArgument.h"
 #include "KestaDebug.h"
 #include "KestaException.h"
@@ -149,18 +148,21 @@ std::string whatIsWrong(const std::string& strText, const CKestaExc& exc)
 
 std::unique_ptr<KestaIPRange> readRange(const std::string& strText, const std::string& strPlace)
 {
-    const std::string strName = strPlace + "range " + inQuotes(strText);
+    const auto name = [&]
+    {
+        return strPlace + "range " + inQuotes(strText);
+    };
     try
     {
         auto pRange = std::make_unique<KestaIPRange>(strText);
         const std::string strExplanation = explanation(strText, intervalOf(*pRange));
         if (!strExplanation.empty())
-            report(strName + " " + strExplanation);
+            report(name() + " " + strExplanation);
         return pRange;
     }
     catch (const CKestaExc& exc)
     {
         CKestaDebug::logMessage(exc);
-        throw CKestaToolError(strName + ": " + whatIsWrong(strText, exc));
+        throw CKestaToolError(name() + ": " + whatIsWrong(strText, exc));
     }
 }

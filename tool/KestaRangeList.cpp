@@ -13,11 +13,13 @@ void CKestaRangeList::add(const std::string& strText, const std::string& strPlac
     try
     {
         m_ranges.add(*readRange(strText, strPlace));
+        if (m_bKeepTexts)
+            m_texts.push_back(strText);
     }
     catch (const CKestaToolError& error)
     {
         report(error.what());
-        m_bComplete = false;
+        m_bAllRead = false;
     }
 }
 

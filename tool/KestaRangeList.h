@@ -3,30 +3,44 @@
 
 #include "KestaIPRangeSet.h"
 
+#include <cstddef>
 #include <string>
+#include <vector>
 
 /// The ranges of arguments and of files. A text that is not a range is reported on standard error,
 /// and reading continues, so that the user sees all errors at once.
 class CKestaRangeList
 {
 public:
+    /// `textAt` needs the texts.
+    explicit CKestaRangeList(bool bKeepTexts) : m_bKeepTexts(bKeepTexts) {}
+
     /// Adds a range. `strPlace` says where the text stands, such as "ranges.txt:3: ".
     void add(const std::string& strText, const std::string& strPlace = "");
 
-    /// Adds the ranges of a file, one per line. "#" begins a comment, and blank lines are skipped.
+    /// Adds the ranges of a file, one per line. "#" and ";" begin
+    /// a comment, and blank lines are skipped.
     ///
     /// Throws: `CKestaInputError` when the file can't be read.
     void addFile(const std::string& strPath);
 
     /// False when a text was not a range.
-    bool isComplete() const { return m_bComplete; }
+    bool allRead() const { return m_bAllRead; }
+
+    /// A range as it was written, by its index in the set.
+    const std::string& textAt(long lRange) const
+    {
+        return m_texts[static_cast<std::size_t>(lRange)];
+    }
 
     /// All ranges, ready to be asked.
     const KestaIPRangeSet& build();
 
 private:
     KestaIPRangeSet m_ranges;
-    bool m_bComplete = true;
+    const bool m_bKeepTexts;
+    std::vector<std::string> m_texts;
+    bool m_bAllRead = true;
 };
 
 #endif
