@@ -115,6 +115,68 @@ TEST_F(FaultsTest, StandardFilesAreClosed)
         });
 }
 
+// A host closes all descriptors within an entry, and opens files of its own under their numbers.
+// The library neither closes one of these nor, in a forked child, writes to it.
+TEST_F(FaultsTest, DescriptorsAreClosed)
+{
+    const auto takeAll = [this]
+    {
+        for (int file = STDERR_FILENO + 1; file < 20; ++file)
+            close(file);
+        for (int file = STDERR_FILENO + 1; file < 20; ++file)
+            EXPECT_EQ(open((dir + "host").c_str(), O_RDWR | O_CREAT | O_APPEND, 0600), file);
+    };
+    const auto areOpen = []
+    {
+        for (int file = STDERR_FILENO + 1; file < 20; ++file)
+            EXPECT_GE(fcntl(file, F_GETFD), 0) << file;
+    };
+    const auto inGrandchild = [](const std::function<void()>& work)
+    { inChild([&] { inChild(work); }); };
+    const auto traceAndEnd = [&]
+    {
+        takeAll();
+        KESTA_DEBUG1("into the host's file?", 1);
+        unInitialize();
+        areOpen();
+        EXPECT_EQ(fileText(dir + "host"), "");
+        traceLine("own");
+    };
+    const std::tuple<const char*, std::function<void()>, Lines> rows[] = {
+        {"child", [&] { inChild(traceAndEnd); }, {"first", "own", "last"}},
+        {"daemon", [&] { inGrandchild(traceAndEnd); }, {"first", "own", "last"}},
+        {"own entry at once", [&] { inChild([&] { takeAll(), traceLine("own"), areOpen(); }); },
+            {"first", "own", "last"}},
+        {"kept", [] { inChild([] { KESTA_DEBUG1("child", 1), unInitialize(); }); },
+            {"first", "child", "last"}}};
+    for (const auto& [what, work, want] : rows)
+        for (const char* level : {"52813", "3"})
+        {
+            SCOPED_TRACE(what + std::string(level));
+            configure(std::string("DEBUGLEVEL=") + level);
+            std::filesystem::remove(logPath());
+            {
+                const CKestaEntry entry;
+                KESTA_DEBUG1("first", 1);
+                work();
+                KESTA_DEBUG1("last", 1);
+            }
+            EXPECT_EQ(messages(), want);
+        }
+    inChild(
+        [&]
+        {
+            configure("DEBUGSIZE=0");
+            std::filesystem::remove(logPath());
+            initialize();
+            KESTA_DEBUG1("rolled over", 1);
+            takeAll();
+            unInitialize();
+            areOpen();
+            EXPECT_EQ(fileText(oldLogPath()), "[MSG]:FH:rolled over\n");
+        });
+}
+
 TEST_F(FaultsTest, ConfigurationLineOf100MB)
 {
     inChild(

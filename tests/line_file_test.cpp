@@ -2,12 +2,34 @@
 
 #include "KestaLineFile.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+// What the next calls of write do, in this process: fail with an errno, or write only so many
+// bytes.
+struct Write
+{
+    int error;
+    std::size_t most;
+};
+static std::vector<Write> writes;
+
+extern "C" ssize_t write(int file, const void* bytes, std::size_t size)
+{
+    Write next{0, size};
+    if (!writes.empty())
+        next = writes.front(), writes.erase(writes.begin());
+    errno = next.error;
+    return next.error != 0 ? -1 : syscall(SYS_write, file, bytes, std::min(size, next.most));
+}
 
 using LineFileTest = TraceFixture;
 
@@ -50,7 +72,7 @@ TEST_F(LineFileTest, RollsOverWhatStandsAtThePath)
 {
     const std::tuple<std::string, std::string, std::string, std::string> rows[] = {
         // where the log was moved; what stands in the way; the old log before and afterwards
-        {"", "", "", "own\n"}, {"", "lock", "older\n", "older\n"},
+        {"", "", "", "own\n"}, {"", "lock", "older\n", "own\n"},
         {"", "no descriptor is left", "older\n", "own\n"}, {"new", "", "", "own\n"},
         {"x", "", "", "another\n"}, {"x", "", "older\n", "another\n"}};
     rlimit before{};
@@ -79,6 +101,26 @@ TEST_F(LineFileTest, RollsOverWhatStandsAtThePath)
         close(other);
         EXPECT_EQ(fileText(newPath), want) << moved << hindrance << older;
         EXPECT_FALSE(file.isOpen());
+    }
+}
+
+TEST_F(LineFileTest, IsWrittenWholeUnlessTheDiskIsFull)
+{
+    const std::tuple<std::vector<Write>, bool, std::string> rows[] = {
+        {{{EINTR, 0}, {EINTR, 0}}, true, "line\nnext\n"}, {{{0, 2}}, true, "line\nnext\n"},
+        {{{0, 2}, {EINTR, 0}}, true, "line\nnext\n"}, {{{ENOSPC, 0}}, false, "next\n"},
+        {{{0, 2}, {ENOSPC, 0}}, false, "li\nnext\n"}, {{{0, 2}, {0, 1}}, false, "lin\nnext\n"}};
+    for (const auto& [happening, whole, want] : rows)
+    {
+        const std::string path = dir + "file";
+        std::filesystem::remove(path);
+        CKestaLineFile file;
+        file.open(path, "a+b", false);
+        writes = happening;
+        EXPECT_EQ(file.writeLine("line\n"), whole) << want;
+        EXPECT_TRUE(writes.empty()) << want;
+        EXPECT_TRUE(file.writeLine("next\n")) << want;
+        EXPECT_EQ(fileText(path), want);
     }
 }
 

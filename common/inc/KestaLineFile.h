@@ -7,15 +7,21 @@
 #include <string>
 #include <string_view>
 
-/// A file that is written a line at a time: the bytes under the trace log.
+#include <sys/types.h>
+
+/// A file that is written a line at a time: the file behind the trace log.
 ///
 /// A line is one unbuffered `write`, so it is in the file when the call returns and survives the
 /// death of the process. The object owns its descriptor, which programs that the host executes do
 /// not inherit. The file does not stay on a descriptor below 3: where the host has closed standard
 /// input, output or error, opening takes its number for a moment, and moves on to another.
 ///
-/// When the disk is full, or a terminal takes no more, the rest of a line is given up and never
-/// written later; the next line that finds room starts on a line of its own.
+/// When the disk is full, or a terminal is blocked, the rest of a line is dropped and never written
+/// later; the next line that finds room starts on a line of its own.
+///
+/// A host may have closed the descriptor by mistake, and opened a file of its own under its number.
+/// So the descriptor is only closed while it still is that of the file. In a forked child, which
+/// may have closed all descriptors, this is also checked before each line.
 ///
 /// Thread contract: one thread at a time. Several objects and processes may append to one file;
 /// each line stays whole.
@@ -47,8 +53,9 @@ public:
 
     /// Closes the file. Before that, the file at `strPath`, where it was opened, is renamed to
     /// `strNewPath` if it is larger than `lLimit` bytes. Of several processes that have the file
-    /// open, one renames it, and none renames the file that has taken its place. A rename that
-    /// fails is not an error.
+    /// open, one renames it, and none renames the file that has taken its place. They lock the file
+    /// for this; a lock of somebody else delays the roll-over by a few milliseconds only. A rename
+    /// that fails is not an error.
     void rollOver(const CKestaString& strPath, const CKestaString& strNewPath, long lLimit);
 
     /// Writes a line, which carries its own newline. In a file opened as enciphered, the host's
@@ -72,7 +79,12 @@ private:
     KESTA_LOCAL bool isRolledOver(const CKestaString& strPath,
                                   const CKestaString& strNewPath) const;
 
+    KESTA_LOCAL bool isOwn() const;
+
     int m_iFile = -1;   // none
+    dev_t m_ulDevice = 0;
+    ino_t m_ulNumber = 0;    // of the file, on its device
+    unsigned m_uForks = 0;   // how often the process had been forked when the file was opened
     bool m_bEnciphered = false;
     bool m_bAtStart = false;   // nothing was written since the file was opened
     bool m_bLimited = false;   // the process had a file-size limit before the first line

@@ -243,6 +243,7 @@ void afterForkInParent()
 
 void afterForkInChild()
 {
+    ++uKestaForks;
     pthread_mutex_unlock(&hKestaSettingsMutex);
     CKestaTraceLog& log = CKestaTraceLog::instance();
     if (!bUsesLog && pthread_mutex_trylock(&hLog) != 0)

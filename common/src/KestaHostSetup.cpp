@@ -15,8 +15,6 @@
 #define KESTA_DEFAULT_DATA_DIR "/var/opt/fernhold/"
 #endif
 
-pthread_mutex_t hKestaSettingsMutex = PTHREAD_MUTEX_INITIALIZER;
-
 namespace
 {
 

@@ -47,9 +47,10 @@ int openFlags(const CKestaString& strMode)
     }
 }
 
-/// Opens a regular file or a character device; -1 when that fails. Neither opening nor writing ever
-/// waits: a terminal whose output is stopped loses lines, as a full disk does.
-int openFile(const char* pszPath, int iFlags)
+/// Opens a regular file or a character device, and queries its status; -1 when that fails. Neither
+/// opening nor writing ever waits: a terminal whose output is stopped loses lines, as a full disk
+/// does.
+int openFile(const char* pszPath, int iFlags, struct stat& status)
 {
     if (iFlags == -1)
         return -1;
@@ -64,7 +65,6 @@ int openFile(const char* pszPath, int iFlags)
         iFile = fcntl(iLow, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
         close(iLow);
     }
-    struct stat status = {};
     if (iFile < 0 ||
         (fstat(iFile, &status) == 0 && (S_ISREG(status.st_mode) || S_ISCHR(status.st_mode))))
         return iFile;
@@ -92,11 +92,33 @@ bool isLarger(const CKestaString& strPath, long lLimit)
     return stat(strPath.c_str(), &status) == 0 && status.st_size > lLimit;
 }
 
+// Locks a file, but not at any price: a reader of the log may have locked it, too, and must not
+// keep it from being rolled over.
+void tryToLock(int iFile)
+{
+    constexpr int iTries = 5;
+    for (int i = 0; i < iTries && flock(iFile, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK; ++i)
+    {
+        const struct timespec millisecond = {0, 1'000'000};
+        nanosleep(&millisecond, nullptr);
+    }
+}
+
 bool hasFileSizeLimit()
 {
     struct rlimit limit = {RLIM_INFINITY, RLIM_INFINITY};
     getrlimit(RLIMIT_FSIZE, &limit);
     return limit.rlim_cur != RLIM_INFINITY;
+}
+
+/// Returns the number of bytes that were written. Interrupted before the first, it tries again.
+std::size_t writeSome(int iFile, std::string_view bytes)
+{
+    ssize_t lWritten;
+    do
+        lWritten = write(iFile, bytes.data(), bytes.size());
+    while (lWritten < 0 && errno == EINTR);
+    return lWritten < 0 ? 0 : static_cast<std::size_t>(lWritten);
 }
 
 /// While it lives, a write over the file-size limit of the process fails, as one on a full disk
@@ -139,9 +161,13 @@ void CKestaLineFile::open(const CKestaString& strPath, const CKestaString& strMo
     const CKestaNoCancellation noCancellation;
     close();
     const int iFlags = openFlags(strMode);
-    m_iFile = openFile(strPath.c_str(), iFlags);
+    struct stat status = {};
+    m_iFile = openFile(strPath.c_str(), iFlags, status);
     if (m_iFile < 0)
         throw CKestaExc(1008, "Kesta_Fernhold", strPath);
+    m_ulDevice = status.st_dev;
+    m_ulNumber = status.st_ino;
+    m_uForks = uKestaForks;
     if ((iFlags & (O_APPEND | O_RDWR)) == O_APPEND)
         lseek(m_iFile, 0, SEEK_END);   // "a" starts at the end, "a+" at 0, as with fopen
     m_bEnciphered = bEnciphered;
@@ -156,9 +182,17 @@ bool CKestaLineFile::isOpen() const
 void CKestaLineFile::close()
 {
     const CKestaNoCancellation noCancellation;
-    if (isOpen())
+    if (isOpen() && isOwn())
         ::close(m_iFile);
     m_iFile = -1;
+}
+
+// False if the host has closed the descriptor, whatever has its number now.
+bool CKestaLineFile::isOwn() const
+{
+    struct stat status;
+    return fstat(m_iFile, &status) == 0 && status.st_dev == m_ulDevice &&
+           status.st_ino == m_ulNumber;
 }
 
 void CKestaLineFile::rollOver(const CKestaString& strPath, const CKestaString& strNewPath,
@@ -170,14 +204,13 @@ void CKestaLineFile::rollOver(const CKestaString& strPath, const CKestaString& s
     close();
 }
 
-// The lock is on the file to be renamed, which need not be this one. There is no need to wait for
-// it: the process that holds it is rolling over that very file.
+// The lock is on the file to be renamed, which need not be this one.
 void CKestaLineFile::renameLocked(const CKestaString& strPath, const CKestaString& strNewPath,
                                   long lLimit) const
 {
     const int iFound = ::open(strPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-    const bool bLocked = flock(iFound, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
-    if (bLocked && isLarger(strPath, lLimit) && isStillAt(iFound, strPath) &&
+    tryToLock(iFound);
+    if (isLarger(strPath, lLimit) && isStillAt(iFound, strPath) &&
         !isRolledOver(strPath, strNewPath))
         std::rename(strPath.c_str(), strNewPath.c_str());
     if (iFound >= 0)
@@ -188,11 +221,13 @@ void CKestaLineFile::renameLocked(const CKestaString& strPath, const CKestaStrin
 // path would destroy it. A file that somebody else has put at the path is taken for the log.
 bool CKestaLineFile::isRolledOver(const CKestaString& strPath, const CKestaString& strNewPath) const
 {
-    struct stat own;
     struct stat found;
     struct stat old;
-    return fstat(m_iFile, &own) == 0 && stat(strPath.c_str(), &found) == 0 &&
-           !isSameFile(own, found) && stat(strNewPath.c_str(), &old) == 0 && isSameFile(own, old);
+    struct stat own = {};
+    own.st_dev = m_ulDevice;
+    own.st_ino = m_ulNumber;
+    return isOpen() && stat(strPath.c_str(), &found) == 0 && !isSameFile(own, found) &&
+           stat(strNewPath.c_str(), &old) == 0 && isSameFile(own, old);
 }
 
 bool CKestaLineFile::writeLine(std::string strLine)
@@ -203,7 +238,7 @@ bool CKestaLineFile::writeLine(std::string strLine)
 bool CKestaLineFile::writeInPlace(std::string& strLine)
 {
     const CKestaNoCancellation noCancellation;
-    if (!isOpen() || (m_bEnciphered && !encipher(strLine)))
+    if (!isOpen() || (m_uForks != uKestaForks && !isOwn()) || (m_bEnciphered && !encipher(strLine)))
         return false;
     const std::string_view lineEnd = m_bEnciphered ? frameEnd : plainEnd;
     if (m_bTorn && !endsWith(lineEnd))
@@ -240,15 +275,16 @@ bool CKestaLineFile::encipher(std::string& strLine) const
 
 bool CKestaLineFile::write(const std::string& strBytes)
 {
-    // Unbuffered: what does not fit on a full disk must not be written later.
-    const ssize_t lWritten = ::write(m_iFile, strBytes.data(), strBytes.size());
-    const bool bWhole = lWritten == static_cast<ssize_t>(strBytes.size());
-    if (lWritten > 0)
-    {
-        m_bAtStart = false;
-        m_bTorn = !bWhole;
-    }
-    return bWhole;
+    // Unbuffered: what does not fit on a full disk must not be written later. The rest after a
+    // short write is tried once, so that only a disk that is really full tears a line.
+    std::size_t ulWritten = writeSome(m_iFile, strBytes);
+    if (ulWritten == 0)
+        return false;
+    if (ulWritten < strBytes.size())
+        ulWritten += writeSome(m_iFile, std::string_view(strBytes).substr(ulWritten));
+    m_bAtStart = false;
+    m_bTorn = ulWritten < strBytes.size();
+    return !m_bTorn;
 }
 
 // An empty file, and one that can't be read, count as ending with a whole line.

@@ -81,6 +81,9 @@ private:
     alignas(T) unsigned char m_storage[sizeof(T)];
 };
 
+/// How often this process, and those that it was forked from, have been forked.
+extern unsigned uKestaForks;
+
 /// Guards the host set-up and the configuration. It is held only while values are copied in or out:
 /// under it nothing calls the host, the file system or anything else that waits.
 extern pthread_mutex_t hKestaSettingsMutex;

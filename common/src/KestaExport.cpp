@@ -1,0 +1,3 @@
+#include "KestaExport.h"
+
+const char KESTA_ABI = 0;
