@@ -49,12 +49,12 @@ public:
     /// Puts the name of the operating system into `osName`, which a failure leaves as it was.
     static int setOSName(CKestaString& osName);
 
-    /// Appends the addresses of this host's interfaces to the lists, in the system's order; mind
-    /// that the IPv6 list comes first. The first argument is not used and may be null.
+    /// Appends the addresses of this host's interfaces to the lists, in the system's order.
+    /// Note the order of the lists: IPv6 first. The first argument is not used and may be null.
     static int queryHostIP(const char* host, CKestaArray<KestaIPv6Address>& ipv6List,
                            CKestaArray<KestaIPv4Address>& ipv4List);
 
-    /// The same; mind that the IPv4 list comes first.
+    /// The same; IPv4 first.
     static int getInterfaceAddresses(CKestaArray<KestaIPv4Address>& ipv4List,
                                      CKestaArray<KestaIPv6Address>& ipv6List);
 

@@ -63,17 +63,12 @@ public:
 
 private:
     friend class KestaIPRange;
-    friend class KestaIPUtilities;
 
-    KESTA_LOCAL KestaIPv6Address();   // for a `read` or `setBlockEnd` that follows
+    KESTA_LOCAL KestaIPv6Address();   // for a `read` that follows
 
     KESTA_LOCAL bool read(std::string_view address);
     KESTA_LOCAL bool read();
     KESTA_LOCAL CKestaExc refusal() const;   // the error of a text that was not read
-
-    // Makes this the last address of the block that starts there, and traces what the prefix
-    // operations trace.
-    KESTA_LOCAL void setBlockEnd(const in6_addr& start, int iPrefixLength);
 };
 
 // These are templates, so that a host's own operators win, as everywhere.

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <exception>   // IWYU pragma: export
-#include <string>
 
 #include <netinet/in.h>
 
@@ -71,28 +70,12 @@ inline KestaIPv6Number hostBits(int iPrefixLength)
     return allBits >> std::max(iPrefixLength, 0);
 }
 
-/// Writes the lines that reading a text traces, where its number is known already. They are fixed,
-/// although nothing is read.
-inline void traceIPv4Reading()
-{
-    KESTA_DEBUG1("In KestaIPUtilities::convertIPv4StringToAddress() ", iTraceLevel);
-    KESTA_DEBUG1("Out KestaIPUtilities::convertIPv4StringToAddress ", iTraceLevel);
-}
-
-/// The same for IPv6.
+/// Traces a conversion that is skipped because the number is known: the lines are part of the
+/// interface.
 inline void traceIPv6Reading()
 {
     KESTA_DEBUG1("In KestaIPUtilities::convertIPv6StringToAddress()", iTraceLevel);
     KESTA_DEBUG1("Out KestaIPUtilities::convertIPv6StringToAddress()", iTraceLevel);
-}
-
-/// Replaces a text by that of an IPv6 address, traced as a conversion.
-inline void writeIPv6(KestaIPv6Number number, std::string& strText)
-{
-    KESTA_DEBUG1("In OKestaIPUtilities::convertIPv6AddressToString()", iTraceLevel);
-    char szText[INET6_ADDRSTRLEN];
-    strText.assign(szText, CKestaAddressCodec::writeIPv6(number, szText));
-    KESTA_DEBUG1("Out KestaIPUtilities::convertIPv6AddressToString() ", iTraceLevel);
 }
 
 /// An error whose message ends in the text that was refused.
@@ -107,7 +90,7 @@ inline CKestaExc errorNaming(const char* pszMessage, const CKestaString& strText
 /// an error object with the given message. Error objects are not `std::exception`s, so they pass
 /// without being thrown again; so does the cancellation of the thread.
 template <class TWork>
-void throwingErrorObjects(const char* pszTrace, const char* pszMessage, TWork work)
+void asErrorObjects(const char* pszTrace, const char* pszMessage, TWork work)
 {
     try
     {
@@ -120,15 +103,20 @@ void throwingErrorObjects(const char* pszTrace, const char* pszMessage, TWork wo
     }
 }
 
-/// Does everything that `KestaIPUtilities::InitialiseIPv6EndAddress` does, except that `make` makes
-/// the address, wherever the caller wants it.
+/// Does what `KestaIPUtilities::InitialiseIPv6EndAddress` does, except that `make` constructs the
+/// address, wherever the caller wants it.
 template <class TMake>
-void initialisingIPv6End(TMake make)
+void makeBlockEnd(const in6_addr& start, int iPrefixLength, TMake make)
 {
-    KESTA_DEBUG1("In KestaIPUtilities::InitialiseIPv6EndAddress() ", iTraceLevel);
-    throwingErrorObjects("KestaIPUtilities::InitialiseIPv6EndAddress()-Unknown Exception",
-                         "Unknown Exception", make);
-    KESTA_DEBUG1("Out KestaIPUtilities::InitialiseIPv6EndAddress()", iTraceLevel);
+    const auto work = [&]
+    {
+        traceIPv6Reading();
+        KESTA_DEBUG1("In OKestaIPUtilities::convertIPv6AddressToString()", iTraceLevel);
+        make(KestaAddressNumber::toIPv6(KestaAddressNumber::of(start) | hostBits(iPrefixLength)));
+        KESTA_DEBUG1("Out KestaIPUtilities::convertIPv6AddressToString() ", iTraceLevel);
+    };
+    asErrorObjects("KestaIPUtilities::InitialiseIPv6EndAddress()-Unknown Exception",
+                   "Unknown Exception", work);
 }
 
 #endif

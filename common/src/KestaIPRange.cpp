@@ -1,6 +1,8 @@
 #include "KestaIPRange.h"
 
+#include "KestaAddressCodec.h"
 #include "KestaAddressDetail.h"
+#include "KestaAddressNumber.h"
 #include "KestaException.h"
 #include "KestaIPUtilities.h"
 #include "KestaIPv4Address.h"
@@ -71,6 +73,14 @@ std::string starsAs(std::string_view number, const CKestaString& strPattern)
         else
             strText += c;
     return strText;
+}
+
+// Traces a conversion that is skipped because the number is known: the lines are part of the
+// interface.
+void traceIPv4Reading()
+{
+    KESTA_DEBUG1("In KestaIPUtilities::convertIPv4StringToAddress() ", iTraceLevel);
+    KESTA_DEBUG1("Out KestaIPUtilities::convertIPv4StringToAddress ", iTraceLevel);
 }
 
 bool isUnallowedIPv4(const KestaIPAddress& address)
@@ -145,8 +155,8 @@ void KestaIPRange::CEnd::clear() noexcept
 KestaIPRange::KestaIPRange(CKestaString strRange)
 {
     KESTA_DEBUG1("In KestaIPRange::KestaIPRange()", iTraceLevel);
-    throwingErrorObjects("KestaIPRange::KestaIPRange()-Unknown Error", "Unknown Error",
-                         [&] { build(strRange); });
+    asErrorObjects("KestaIPRange::KestaIPRange()-Unknown Error", "Unknown Error",
+                   [&] { build(strRange); });
     KESTA_DEBUG1("Out KestaIPRange::KestaIPRange()", iTraceLevel);
 }
 
@@ -332,9 +342,10 @@ void KestaIPRange::buildIPv6Wildcard(const CKestaString& strRange)
 
 void KestaIPRange::makeIPv6End(int iPrefixLength)
 {
-    const in6_addr start = asIPv6(m_startAddress.get()->viewSockAddress())->sin6_addr;
-    initialisingIPv6End(
-        [&] { m_endAddress.make<KestaIPv6Address>().setBlockEnd(start, iPrefixLength); });
+    KESTA_DEBUG1("In KestaIPUtilities::InitialiseIPv6EndAddress() ", iTraceLevel);
+    makeBlockEnd(asIPv6(m_startAddress.get()->viewSockAddress())->sin6_addr, iPrefixLength,
+                 [this](const in6_addr& last) { m_endAddress.make<KestaIPv6Address>(last); });
+    KESTA_DEBUG1("Out KestaIPUtilities::InitialiseIPv6EndAddress()", iTraceLevel);
 }
 
 void KestaIPRange::traceMade() const

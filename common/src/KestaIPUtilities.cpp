@@ -23,118 +23,6 @@ namespace
 constexpr int iSuccess = 0;
 constexpr int iFailure = -1;
 
-/// What differs between the two families: types, conversions, classes and trace texts. The texts
-/// say queryHostIP although they are written two calls below it; they are fixed, as is their
-/// spelling.
-struct CIPv4
-{
-    typedef KestaIPv4Address CAddress;
-    typedef sockaddr_in CSocketAddress;
-
-    static constexpr char szAddIn[] = "Entered KestaIPUtilities::addIPv4addressToArray";
-    static constexpr char szAddFailed[] =
-        "KestaIPUtilities::queryHostIP()- Failed to convert detected IPv4 address to string: ";
-    static constexpr char szAddDetected[] =
-        "KestaIPUtilities::queryHostIP()- detected IPv4 address :-";
-    static constexpr char szAddAdding[] =
-        "KestaIPUtilities::queryHostIP()- adding IPv4 address to the list :-";
-    static constexpr char szAddFiltering[] =
-        "KestaIPUtilities::queryHostIP(): Filtering (Not addding) IPv4 address: ";
-    static constexpr char szAddOut[] = "KestaIPUtilities::addIPv4addressToArray: Exiting ";
-
-    static constexpr char szFilterIn[] = "Entered KestaIPUtilities::getfilteredIPv4Addresses";
-    static constexpr char szFilterAdding[] = "KestaIPUtilities::getfilteredIPv4Addresses()- "
-                                             "adding filtered IPv4 address to the list :-";
-    static constexpr char szFilterOut[] = "KestaIPUtilities::getfilteredIPv4Addresses: Exiting ";
-
-    static int toText(const sockaddr_in* sa, CKestaString& text)
-    {
-        return KestaIPUtilities::convertIPv4AddressToString(sa, text);
-    }
-    static bool isUnallowed(const sockaddr_in* sa)
-    {
-        return KestaIPv4Address::CheckUnAllowedIPv4AddressTypes(sa);
-    }
-    static bool isLoopback(const sockaddr_in* sa)
-    {
-        return KestaIPv4Address::isIPv4LoopbackAddress(sa->sin_addr);
-    }
-};
-
-struct CIPv6
-{
-    typedef KestaIPv6Address CAddress;
-    typedef sockaddr_in6 CSocketAddress;
-
-    static constexpr char szAddIn[] = "Entered KestaIPUtilities::addIPv6addressToArray";
-    static constexpr char szAddFailed[] =
-        "KestaIPUtilities::queryHostIP()- Failed to convert detected IPv6 address to string: ";
-    static constexpr char szAddDetected[] =
-        "KestaIPUtilities::queryHostIP()- detected IPv6 address :-";
-    static constexpr char szAddAdding[] =
-        "KestaIPUtilities::queryHostIP()- adding IPv6 address to the list :-";
-    static constexpr char szAddFiltering[] =
-        "KestaIPUtilities::queryHostIP(): Filtering (Not addding) IPv6 address: ";
-    static constexpr char szAddOut[] = "KestaIPUtilities::addIPv6addressToArray: Exiting ";
-
-    static constexpr char szFilterIn[] = "Entered KestaIPUtilities::getfilteredIPv6Addresses";
-    static constexpr char szFilterAdding[] = "KestaIPUtilities::getfilteredIPv6Addresses()- "
-                                             "adding filtered IPv6 address to the list :-";
-    static constexpr char szFilterOut[] = "KestaIPUtilities::getfilteredIPv6Addresses: Exiting ";
-
-    static int toText(const sockaddr_in6* sa, CKestaString& text)
-    {
-        return KestaIPUtilities::convertIPv6AddressToString(sa, text);
-    }
-    static bool isUnallowed(const sockaddr_in6* sa)
-    {
-        return KestaIPv6Address::CheckUnAllowedIPv6AddressTypes(sa);
-    }
-    static bool isLoopback(const sockaddr_in6* sa) { return IN6_IS_ADDR_LOOPBACK(&sa->sin6_addr); }
-};
-
-// Two of these lines are unreachable: a conversion neither fails nor gives "NULL".
-template <class TFamily>
-void addAddress(CKestaArray<typename TFamily::CAddress>& list,
-                const typename TFamily::CSocketAddress* sa)
-{
-    CKestaString strAddress("NULL");
-    KESTA_DEBUG1(TFamily::szAddIn, iTraceLevel);
-    if (TFamily::toText(sa, strAddress) != iSuccess)
-        KESTA_DEBUG2(TFamily::szAddFailed, strAddress, iTraceLevel);
-    else
-    {
-        KESTA_DEBUG2(TFamily::szAddDetected, strAddress, iTraceLevel);
-        if (strAddress == "NULL")
-            KESTA_DEBUG2(TFamily::szAddFiltering, strAddress, iTraceLevel);
-        else
-        {
-            KESTA_DEBUG2(TFamily::szAddAdding, strAddress, iTraceLevel);
-            list.add(typename TFamily::CAddress(strAddress));
-        }
-    }
-    KESTA_DEBUG1(TFamily::szAddOut, iTraceLevel);
-}
-
-template <class TFamily>
-void addFiltered(CKestaArray<typename TFamily::CAddress>& out,
-                 const CKestaArray<typename TFamily::CAddress>& in)
-{
-    KESTA_DEBUG1(TFamily::szFilterIn, iTraceLevel);
-    const auto uCount = static_cast<unsigned int>(in.size());   // out may be in itself
-    for (unsigned int uIndex = 0; uIndex < uCount; ++uIndex)
-    {
-        const auto* sa = reinterpret_cast<const typename TFamily::CSocketAddress*>(
-            &in.getAt(uIndex).viewSockAddress());
-        // Loopback addresses are dropped whatever the flags say, and without a line of their own.
-        if (TFamily::isUnallowed(sa) || TFamily::isLoopback(sa))
-            continue;
-        traceAddress(TFamily::szFilterAdding, in.getAt(uIndex));
-        out.add(in.getAt(uIndex));
-    }
-    KESTA_DEBUG1(TFamily::szFilterOut, iTraceLevel);
-}
-
 /// `getifaddrs`, but not cancelled. It is declared to throw nothing, although it contains
 /// cancellation points: a thread that was cancelled in it would end the process.
 int listInterfaces(struct ifaddrs*& pFirst)
@@ -242,28 +130,87 @@ int KestaIPUtilities::getInterfaceAddresses(CKestaArray<KestaIPv4Address>& ipv4L
     return iSuccess;
 }
 
+// The texts of the next two say queryHostIP, although it is their caller's caller. That is fixed,
+// and so are their misspellings.
 void KestaIPUtilities::addIPv4addressToArray(CKestaArray<KestaIPv4Address>& ipv4List,
                                              const sockaddr_in* sa)
 {
-    addAddress<CIPv4>(ipv4List, sa);
+    CKestaString strAddress("NULL");
+    KESTA_DEBUG1("Entered KestaIPUtilities::addIPv4addressToArray", iTraceLevel);
+    if (convertIPv4AddressToString(sa, strAddress) != iSuccess)
+        KESTA_DEBUG2("KestaIPUtilities::queryHostIP()- Failed to convert detected IPv4 address to "
+                     "string: ",
+                     strAddress, iTraceLevel);
+    else
+    {
+        KESTA_DEBUG2("KestaIPUtilities::queryHostIP()- detected IPv4 address :-", strAddress,
+                     iTraceLevel);
+        KESTA_DEBUG2("KestaIPUtilities::queryHostIP()- adding IPv4 address to the list :-",
+                     strAddress, iTraceLevel);
+        ipv4List.add(KestaIPv4Address(strAddress));
+    }
+    KESTA_DEBUG1("KestaIPUtilities::addIPv4addressToArray: Exiting ", iTraceLevel);
 }
 
 void KestaIPUtilities::addIPv6addressToArray(CKestaArray<KestaIPv6Address>& ipv6List,
                                              const sockaddr_in6* sa)
 {
-    addAddress<CIPv6>(ipv6List, sa);
+    CKestaString strAddress("NULL");
+    KESTA_DEBUG1("Entered KestaIPUtilities::addIPv6addressToArray", iTraceLevel);
+    if (convertIPv6AddressToString(sa, strAddress) != iSuccess)
+        KESTA_DEBUG2("KestaIPUtilities::queryHostIP()- Failed to convert detected IPv6 address to "
+                     "string: ",
+                     strAddress, iTraceLevel);
+    else
+    {
+        KESTA_DEBUG2("KestaIPUtilities::queryHostIP()- detected IPv6 address :-", strAddress,
+                     iTraceLevel);
+        KESTA_DEBUG2("KestaIPUtilities::queryHostIP()- adding IPv6 address to the list :-",
+                     strAddress, iTraceLevel);
+        ipv6List.add(KestaIPv6Address(strAddress));
+    }
+    KESTA_DEBUG1("KestaIPUtilities::addIPv6addressToArray: Exiting ", iTraceLevel);
 }
 
 void KestaIPUtilities::getfilteredIPv4Addresses(CKestaArray<KestaIPv4Address>& out,
                                                 const CKestaArray<KestaIPv4Address>& in)
 {
-    addFiltered<CIPv4>(out, in);
+    KESTA_DEBUG1("Entered KestaIPUtilities::getfilteredIPv4Addresses", iTraceLevel);
+    const auto uCount = static_cast<unsigned int>(in.size());   // out may be in itself
+    for (unsigned int uIndex = 0; uIndex < uCount; ++uIndex)
+    {
+        const auto* sa = asIPv4(in.getAt(uIndex).viewSockAddress());
+        // Loopback addresses are dropped whatever the flags say, and without a line of their own.
+        if (KestaIPv4Address::CheckUnAllowedIPv4AddressTypes(sa) ||
+            KestaIPv4Address::isIPv4LoopbackAddress(sa->sin_addr))
+            continue;
+        traceAddress(
+            "KestaIPUtilities::getfilteredIPv4Addresses()- adding filtered IPv4 address to "
+            "the list :-",
+            in.getAt(uIndex));
+        out.add(in.getAt(uIndex));
+    }
+    KESTA_DEBUG1("KestaIPUtilities::getfilteredIPv4Addresses: Exiting ", iTraceLevel);
 }
 
 void KestaIPUtilities::getfilteredIPv6Addresses(CKestaArray<KestaIPv6Address>& out,
                                                 const CKestaArray<KestaIPv6Address>& in)
 {
-    addFiltered<CIPv6>(out, in);
+    KESTA_DEBUG1("Entered KestaIPUtilities::getfilteredIPv6Addresses", iTraceLevel);
+    const auto uCount = static_cast<unsigned int>(in.size());   // out may be in itself
+    for (unsigned int uIndex = 0; uIndex < uCount; ++uIndex)
+    {
+        const auto* sa = asIPv6(in.getAt(uIndex).viewSockAddress());
+        if (KestaIPv6Address::CheckUnAllowedIPv6AddressTypes(sa) ||
+            IN6_IS_ADDR_LOOPBACK(&sa->sin6_addr))
+            continue;
+        traceAddress(
+            "KestaIPUtilities::getfilteredIPv6Addresses()- adding filtered IPv6 address to "
+            "the list :-",
+            in.getAt(uIndex));
+        out.add(in.getAt(uIndex));
+    }
+    KESTA_DEBUG1("KestaIPUtilities::getfilteredIPv6Addresses: Exiting ", iTraceLevel);
 }
 
 int KestaIPUtilities::convertIPv4StringToAddress(const CKestaString& text, sockaddr_in* sa)
@@ -308,8 +255,11 @@ int KestaIPUtilities::convertIPv6StringToAddress(const CKestaString& text, socka
 
 int KestaIPUtilities::convertIPv6AddressToString(const sockaddr_in6* sa, CKestaString& text)
 {
-    text = CKestaString();   // its tokeniser starts afresh
-    writeIPv6(KestaAddressNumber::of(sa->sin6_addr), text);
+    KESTA_DEBUG1("In OKestaIPUtilities::convertIPv6AddressToString()", iTraceLevel);
+    char szAddress[INET6_ADDRSTRLEN];
+    CKestaAddressCodec::writeIPv6(KestaAddressNumber::of(sa->sin6_addr), szAddress);
+    text = szAddress;
+    KESTA_DEBUG1("Out KestaIPUtilities::convertIPv6AddressToString() ", iTraceLevel);
     return iSuccess;
 }
 
@@ -330,15 +280,9 @@ bool KestaIPUtilities::ValidateIPv6StartAddress(sockaddr_in6* sa, int prefixLeng
 void KestaIPUtilities::InitialiseIPv6EndAddress(const sockaddr_in6* start, KestaIPAddress** end,
                                                 int prefixLength)
 {
-    std::unique_ptr<KestaIPv6Address> pEnd;
-    initialisingIPv6End(
-        [&]
-        {
-            if (start == nullptr)
-                return;
-            pEnd.reset(new KestaIPv6Address);
-            pEnd->setBlockEnd(start->sin6_addr, prefixLength);
-        });
-    if (pEnd != nullptr)
-        *end = pEnd.release();
+    KESTA_DEBUG1("In KestaIPUtilities::InitialiseIPv6EndAddress() ", iTraceLevel);
+    if (start != nullptr)
+        makeBlockEnd(start->sin6_addr, prefixLength,
+                     [end](const in6_addr& last) { *end = new KestaIPv6Address(last); });
+    KESTA_DEBUG1("Out KestaIPUtilities::InitialiseIPv6EndAddress()", iTraceLevel);
 }

@@ -1,6 +1,8 @@
 #include "KestaIPv4Address.h"
 
+#include "KestaAddressCodec.h"
 #include "KestaAddressDetail.h"
+#include "KestaAddressNumber.h"
 #include "KestaDebug.h"
 #include "KestaException.h"
 #include "KestaIPUtilities.h"

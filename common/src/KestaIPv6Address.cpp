@@ -1,6 +1,8 @@
 #include "KestaIPv6Address.h"
 
+#include "KestaAddressCodec.h"
 #include "KestaAddressDetail.h"
+#include "KestaAddressNumber.h"
 #include "KestaDebug.h"
 #include "KestaException.h"
 #include "KestaIPUtilities.h"
@@ -84,15 +86,6 @@ CKestaExc KestaIPv6Address::refusal() const
 }
 
 KestaIPv6Address::~KestaIPv6Address() = default;
-
-void KestaIPv6Address::setBlockEnd(const in6_addr& start, int iPrefixLength)
-{
-    traceIPv6Reading();
-    const KestaIPv6Number last = KestaAddressNumber::of(start) | hostBits(iPrefixLength);
-    asIPv6(m_binIPAddress)->sin6_family = AF_INET6;
-    asIPv6(m_binIPAddress)->sin6_addr = KestaAddressNumber::toIPv6(last);
-    writeIPv6(last, m_strIPAddress);
-}
 
 bool KestaIPv6Address::operator<=(KestaIPAddress* pAddress)
 {
