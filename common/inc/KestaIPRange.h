@@ -27,7 +27,7 @@
 /// screened against the exclusion flags of the address classes. The screening always refuses
 /// 0.0.0.0, :: and IPv4-compatible addresses, so "*.*.*.*" and "::/0" throw.
 ///
-/// The range holds its two addresses. It can be moved, but not copied.
+/// The range owns its two addresses. It can be moved, but not copied.
 ///
 /// Thread contract: any number of threads may use one range, as long as nobody moves it.
 class KESTA_API KestaIPRange
@@ -64,7 +64,7 @@ public:
     /// Takes over the ends of the other range, which contains nothing afterwards. Pointers to its
     /// ends are no longer valid.
     KestaIPRange(KestaIPRange&& other) noexcept;
-    /// The same; the addresses that this range had are gone.
+    /// Also invalidates pointers to this range's previous ends.
     KestaIPRange& operator=(KestaIPRange&& other) noexcept;
 
     ~KestaIPRange();
@@ -73,12 +73,12 @@ public:
     /// ranges that merely overlap do not count.
     bool isMember(const KestaIPRange& other) const;
 
-    /// True when the address, which stays the caller's, lies inside the range. The families are not
-    /// compared: ask for like with like. False for a null pointer.
+    /// True when the address, which stays the caller's, lies inside the range. Families are not
+    /// compared: pass an address of the range's family. False for a null pointer.
     bool isMember(const KestaIPAddress* address) const;
 
-    /// Deleted: a text would become a range, and the question the symmetric one above. Make an
-    /// address or a range of the text.
+    /// Deleted: a text would convert to a range, and `isMember(range)` is symmetric. Construct an
+    /// address or a range explicitly.
     template <class TText,
               std::enable_if_t<std::is_convertible_v<const TText&, std::string_view> &&
                                    !std::is_convertible_v<const TText&, const KestaIPAddress*> &&
@@ -96,7 +96,7 @@ public:
     KestaIPAddress* getEndAddress() const { return m_endAddress.get(); }
 
 private:
-    // An end of the range, held in place.
+    // An end of the range, stored in place.
     class KESTA_LOCAL CEnd
     {
     public:
@@ -107,7 +107,7 @@ private:
 
         KestaIPAddress* get() const { return m_pAddress; }
 
-        // The same for an end that exists, without reading where it is.
+        // The same for an end that exists, without loading the pointer to it.
         const KestaIPAddress& inPlace() const
         {
             return *std::launder(reinterpret_cast<const KestaIPAddress*>(m_place));
@@ -162,9 +162,8 @@ private:
     int iFamilyType = 0;
 };
 
-// Hosts ask for membership more than for anything else, nearly always with tracing off. So as long
-// as there is nothing to trace, the address bytes are compared here, inline; otherwise by the
-// operators, which trace each comparison.
+// Membership is what hosts query most, nearly always with tracing off. While nothing is traced, the
+// address bytes are compared here, inline; otherwise by the operators, which trace each comparison.
 inline bool KestaIPRange::isMember(const KestaIPAddress* address) const
 {
     if (address != nullptr && !CKestaDebug::isTraced(KestaIPAddress::KESTA_TRACE_LEVEL))

@@ -94,10 +94,10 @@ public:
     /// Intended: `*sa` is changed; the bits of the prefix are cleared. False for a null pointer.
     static bool ValidateIPv6StartAddress(sockaddr_in6* sa, int prefixLength);
 
-    /// Makes the last address of the block that starts at `start`: all bits after the first
-    /// `prefixLength` are set. It is a new `KestaIPv6Address` that the caller owns and deletes. A
-    /// length below 0 counts as 0, one above 128 as 128. If `start` is null nothing is made, and
-    /// `*end` is left as it was.
+    /// Stores in `*end` the last address of the block that starts at `start`: all bits after the
+    /// first `prefixLength` are set. It is a new `KestaIPv6Address` that the caller owns and
+    /// deletes. A length below 0 counts as 0, one above 128 as 128. A null `start` leaves `*end` as
+    /// it was.
     ///
     /// Throws: `CKestaExc`, "Unknown Exception" in place of any other exception; `*end` is then
     /// left as it was, too.

@@ -21,7 +21,7 @@ class CKestaExc;
 class KESTA_API KestaIPv4Address : public KestaIPAddress
 {
 public:
-    /// Intended: no check reads this flag. Ranges may hold loopback addresses, and filtered host
+    /// Intended: no check reads this flag. Ranges may contain loopback addresses, and filtered host
     /// addresses never do, whatever it says.
     static bool m_bIPv4LoopBack;
     /// Excludes 224.0.0.0/4. ("Mutli" is the flag's established spelling.)

@@ -21,8 +21,8 @@ class CKestaExc;
 class KESTA_API KestaIPv6Address : public KestaIPAddress
 {
 public:
-    /// Intended: no check reads this flag. Ranges may hold ::1, and filtered host addresses never
-    /// do, whatever it says.
+    /// Intended: no check reads this flag. Ranges may contain ::1, and filtered host addresses
+    /// never do, whatever it says.
     static bool m_bIPv6LoopBack;
     /// Excludes ff00::/8. ("Mutli" is the flag's established spelling.)
     static bool m_bIPv6MutliCast;

@@ -74,7 +74,7 @@ bool endsAddress(const char* pszText)
     return *pszText == '\0' || *pszText == '%';
 }
 
-// Has the system read a text, without its scope.
+// Falls back to inet_aton or inet_pton, without the scope.
 template <class TRead>
 bool readBySystem(const char* pszText, TRead read)
 {

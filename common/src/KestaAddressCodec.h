@@ -28,7 +28,7 @@ public:
     /// Reads a whole text, up to its first "%", as `inet_pton` does.
     static bool readIPv6(const char* pszText, in6_addr& address);
 
-    /// Writes four decimal parts, NUL-terminated; returns where the NUL stands.
+    /// Writes four decimal parts, NUL-terminated; returns the position of the NUL.
     static char* writeIPv4(KestaIPv4Number number, char (&szText)[INET_ADDRSTRLEN]);
 
     /// The same for IPv6, as `inet_ntop` writes it.

@@ -6,7 +6,7 @@ namespace
 {
 
 // In parts, for which g++ uses vector stores; for the whole it uses "rep stosq", which is slow to
-// start.
+// start: an address from a text then takes a quarter longer.
 void clear(sockaddr_storage& address)
 {
     char* const pBytes = reinterpret_cast<char*>(&address);
