@@ -113,18 +113,6 @@ const char* familyOf(const KestaIPAddress& address)
     return isIPv6(address) ? "IPv6" : "IPv4";
 }
 
-CKestaAddressInterval intervalOf(const KestaIPRange& range)
-{
-    const CKestaAddress first = numberOf(*range.getStartAddress());
-    return {first.bIPv6, first.number, numberOf(*range.getEndAddress()).number};
-}
-
-CKestaAddressInterval intervalOf(const KestaIPAddress& address)
-{
-    const CKestaAddress number = numberOf(address);
-    return {number.bIPv6, number.number, number.number};
-}
-
 std::string sizeOf(const CKestaAddressInterval& interval)
 {
     KestaIPv6Number size = interval.last - interval.first + 1;

@@ -2,12 +2,15 @@
 
 #include "KestaAddressNumber.h"
 #include "KestaException.h"
+#include "KestaRangeEntry.h"
 #include "KestaString.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include <sys/socket.h>
@@ -36,7 +39,7 @@ int bitsOf(TNumber number)
 }
 
 /// The ranges of a family. Building cuts them, wherever one begins or ends, into intervals. Each
-/// interval belongs to the first added of the ranges that hold it, or to none.
+/// interval belongs to the first added of the ranges that contain it.
 template <class TNumber>
 class CIndex
 {
@@ -44,6 +47,9 @@ public:
     void add(TNumber first, TNumber last, std::uint32_t uRange);
     void build();
     long indexOf(TNumber number) const;
+
+    template <class TAddress>
+    void indexesOf(const TAddress* addresses, std::size_t ulCount, long* indexes) const;
 
 private:
     struct [[gnu::packed]] CAdded
@@ -65,20 +71,32 @@ private:
         std::uint32_t uSlots;
     };
 
-    // From its start to the start of the next. Packed, so that a lookup reads one place in memory.
+    // Packed, so that a lookup reads one place in memory.
     struct [[gnu::packed]] CInterval
     {
-        TNumber start;
+        TNumber first;
+        TNumber last;
         std::uint32_t uRange;
+    };
+
+    // A lookup, in steps that each read one place in memory and prefetch the next one.
+    struct CLookup
+    {
+        TNumber number;
+        const std::uint32_t* pSlot;
+        std::uint32_t uInterval;   // the first whose start is to be compared
+        std::uint32_t uEnd;        // of the part
     };
 
     void reopen();
     void cut();
     std::uint32_t makePart(std::uint32_t uFirst, std::uint32_t uEnd);
-    std::uint32_t countUpTo(TNumber number) const;
+    bool enterPart(CLookup& lookup, const CPart& part) const;
+    bool readSlot(CLookup& lookup) const;
+    long result(const CLookup& lookup) const;
 
     std::vector<CAdded> m_added;          // since the index was built
-    std::vector<CInterval> m_intervals;   // ascending; before the first, no range holds
+    std::vector<CInterval> m_intervals;   // ascending
     std::vector<CPart> m_parts;           // the first is the whole
     std::vector<std::uint32_t> m_slots;   // the first interval of each, or its own part
 };
@@ -106,64 +124,65 @@ template <class TNumber>
 void CIndex<TNumber>::reopen()
 {
     m_added.reserve(m_added.size() + m_intervals.size());
-    for (std::size_t u = 0; u < m_intervals.size(); ++u)
-    {
-        const bool bLast = u + 1 == m_intervals.size();
-        if (m_intervals[u].uRange != uNoRange)
-            add(m_intervals[u].start, bLast ? highest<TNumber> : m_intervals[u + 1].start - 1,
-                m_intervals[u].uRange);   // does not allocate: there is room
-    }
+    for (const CInterval& interval : m_intervals)
+        add(interval.first, interval.last, interval.uRange);   // does not allocate: there is room
     m_intervals.clear();
     m_parts.clear();
     m_slots.clear();
 }
 
-// Walks through the numbers in ascending order. Of the ranges that hold the current number, the
+// Walks through the numbers in ascending order. Of the ranges that contain the current number, the
 // first added is on top of the heap; one that has ended stays in it until it gets to the top.
 template <class TNumber>
 void CIndex<TNumber>::cut()
 {
     std::sort(m_added.begin(), m_added.end(),
               [](const CAdded& left, const CAdded& right) { return left.first < right.first; });
-    std::vector<const CAdded*> holding;
+    std::vector<const CAdded*> heap;
     const auto isAddedLater = [](const CAdded* pLeft, const CAdded* pRight)
     {
         return pLeft->uRange > pRight->uRange;
     };
 
     std::vector<CInterval> intervals;
-    intervals.reserve(2 * m_added.size());   // one begins with each range, one after it
-    const auto begin = [&](TNumber start, std::uint32_t uRange)
+    intervals.reserve(m_added.size());
+    TNumber current = 0;   // the numbers below are done
+    const auto append = [&](TNumber last, std::uint32_t uRange)
     {
-        if (!intervals.empty() && intervals.back().start == start)
-            intervals.back().uRange = uRange;
-        else if (intervals.empty() || intervals.back().uRange != uRange)
-            intervals.push_back({start, uRange});
+        if (!intervals.empty() && intervals.back().uRange == uRange &&
+            intervals.back().last + 1 == current)
+            intervals.back().last = last;
+        else
+            intervals.push_back({current, last, uRange});
     };
-    const auto endBefore = [&](TNumber limit)
+    const auto cutUpTo = [&](TNumber limit)
     {
-        while (!holding.empty() && holding.front()->last < limit)
+        while (!heap.empty())
         {
-            const TNumber next = holding.front()->last + 1;
-            while (!holding.empty() && holding.front()->last < next)
+            const CAdded& top = *heap.front();
+            if (top.last >= current)
             {
-                std::pop_heap(holding.begin(), holding.end(), isAddedLater);
-                holding.pop_back();
+                append(std::min<TNumber>(top.last, limit), top.uRange);
+                if (top.last >= limit)
+                    return;
+                current = top.last + 1;
             }
-            begin(next, holding.empty() ? uNoRange : holding.front()->uRange);
+            std::pop_heap(heap.begin(), heap.end(), isAddedLater);
+            heap.pop_back();
         }
     };
     for (const CAdded& range : m_added)
     {
-        endBefore(range.first);
-        holding.push_back(&range);
-        std::push_heap(holding.begin(), holding.end(), isAddedLater);
-        begin(range.first, holding.front()->uRange);
+        if (current < range.first)
+            cutUpTo(range.first - 1);
+        current = range.first;
+        heap.push_back(&range);
+        std::push_heap(heap.begin(), heap.end(), isAddedLater);
     }
-    endBefore(highest<TNumber>);
+    cutUpTo(highest<TNumber>);
 
     m_intervals.swap(intervals);
-    std::vector<CAdded>().swap(m_added);   // before the copy that the next line may make
+    std::vector<CAdded>().swap(m_added);   // freed first: shrink_to_fit may copy
     m_intervals.shrink_to_fit();
 }
 
@@ -172,11 +191,11 @@ void CIndex<TNumber>::cut()
 template <class TNumber>
 std::uint32_t CIndex<TNumber>::makePart(std::uint32_t uFirst, std::uint32_t uEnd)
 {
-    constexpr std::uint32_t uPerSlot = 4;
+    constexpr std::uint32_t uPerSlot = 2;
     constexpr std::uint32_t uMost = 32;
 
-    const TNumber base = m_intervals[uFirst].start;
-    const TNumber span = m_intervals[uEnd - 1].start - base;
+    const TNumber base = m_intervals[uFirst].first;
+    const TNumber span = m_intervals[uEnd - 1].first - base;
     const std::uint32_t uWanted = std::max((uEnd - uFirst) / uPerSlot, 1U);
     const int iShift = std::max(bitsOf(span) - bitsOf(uWanted), 0);
     const auto uSlots = static_cast<std::uint32_t>(span >> iShift) + 1;
@@ -188,7 +207,7 @@ std::uint32_t CIndex<TNumber>::makePart(std::uint32_t uFirst, std::uint32_t uEnd
     for (std::uint32_t uSlot = 0; uSlot < uSlots; ++uSlot)
     {
         const std::uint32_t uSlotFirst = uFirst;
-        while (uFirst < uEnd && (m_intervals[uFirst].start - base) >> iShift == uSlot)
+        while (uFirst < uEnd && (m_intervals[uFirst].first - base) >> iShift == uSlot)
             ++uFirst;
         m_slots[uFirstSlot + uSlot] =
             uFirst - uSlotFirst > uMost ? makePart(uSlotFirst, uFirst) | uPartMark : uSlotFirst;
@@ -199,32 +218,101 @@ std::uint32_t CIndex<TNumber>::makePart(std::uint32_t uFirst, std::uint32_t uEnd
 template <class TNumber>
 long CIndex<TNumber>::indexOf(TNumber number) const
 {
-    const std::uint32_t uCount = m_intervals.empty() ? 0 : countUpTo(number);
-    const std::uint32_t uRange = uCount == 0 ? uNoRange : m_intervals[uCount - 1].uRange;
-    return uRange == uNoRange ? -1 : static_cast<long>(uRange);
+    if (m_intervals.empty())
+        return -1;
+    CLookup lookup;
+    lookup.number = number;
+    bool bMore = enterPart(lookup, m_parts.front());
+    while (bMore)
+        bMore = readSlot(lookup);
+    return result(lookup);
 }
 
-// The number of intervals that do not start above a number.
+// While one lookup waits for memory, the others go on.
 template <class TNumber>
-std::uint32_t CIndex<TNumber>::countUpTo(TNumber number) const
+template <class TAddress>
+void CIndex<TNumber>::indexesOf(const TAddress* addresses, std::size_t ulCount, long* indexes) const
 {
-    const CPart* pPart = m_parts.data();
-    while (true)
+    if (m_intervals.empty())
     {
-        if (number < pPart->base)
-            return pPart->uFirst;
-        const TNumber slot = (number - pPart->base) >> pPart->iShift;
-        if (slot >= pPart->uSlots)
-            return pPart->uEnd;
-        std::uint32_t uInterval = m_slots[pPart->uFirstSlot + static_cast<std::uint32_t>(slot)];
-        if ((uInterval & uPartMark) == 0)
-        {
-            while (uInterval < pPart->uEnd && m_intervals[uInterval].start <= number)
-                ++uInterval;
-            return uInterval;
-        }
-        pPart = &m_parts[uInterval & ~uPartMark];
+        std::fill_n(indexes, ulCount, -1);
+        return;
     }
+    constexpr std::size_t ulMost = 16;
+    CLookup lookups[ulMost];
+    bool more[ulMost];
+    while (ulCount > 0)
+    {
+        const std::size_t ulNow = std::min(ulCount, ulMost);
+        for (std::size_t u = 0; u < ulNow; ++u)
+        {
+            lookups[u].number = KestaAddressNumber::of(addresses[u]);
+            more[u] = enterPart(lookups[u], m_parts.front());
+        }
+        for (bool bAny = true; bAny;)
+        {
+            bAny = false;
+            for (std::size_t u = 0; u < ulNow; ++u)
+            {
+                if (more[u])
+                    more[u] = readSlot(lookups[u]);
+                bAny |= more[u];
+            }
+        }
+        for (std::size_t u = 0; u < ulNow; ++u)
+            indexes[u] = result(lookups[u]);
+        addresses += ulNow;
+        indexes += ulNow;
+        ulCount -= ulNow;
+    }
+}
+
+// Finds the number's slot in a part. Returns false when the search ends without one.
+template <class TNumber>
+bool CIndex<TNumber>::enterPart(CLookup& lookup, const CPart& part) const
+{
+    lookup.uEnd = part.uEnd;
+    const TNumber slot = (lookup.number - part.base) >> part.iShift;
+    const bool bBelow = lookup.number < part.base;
+    if (bBelow || slot >= part.uSlots)
+    {
+        lookup.uInterval = bBelow ? part.uFirst : part.uEnd;
+        lookup.uEnd = lookup.uInterval;
+        return false;
+    }
+    lookup.pSlot = &m_slots[part.uFirstSlot + static_cast<std::uint32_t>(slot)];
+    __builtin_prefetch(lookup.pSlot);
+    return true;
+}
+
+// Reads what a slot contains. Returns true when that is a part, whose slot is to be read next.
+template <class TNumber>
+bool CIndex<TNumber>::readSlot(CLookup& lookup) const
+{
+    const std::uint32_t uFound = *lookup.pSlot;
+    if ((uFound & uPartMark) != 0)
+        return enterPart(lookup, m_parts[uFound & ~uPartMark]);
+    lookup.uInterval = uFound;
+    __builtin_prefetch(&m_intervals[uFound]);
+    return false;
+}
+
+// The number is in the last interval that does not start above it, or in none.
+template <class TNumber>
+long CIndex<TNumber>::result(const CLookup& lookup) const
+{
+    std::uint32_t u = lookup.uInterval;
+    while (u < lookup.uEnd && m_intervals[u].first <= lookup.number)
+        ++u;
+    if (u == 0 || m_intervals[u - 1].last < lookup.number)
+        return -1;
+    return static_cast<long>(m_intervals[u - 1].uRange);
+}
+
+std::string textOf(const KestaIPAddress& address)
+{
+    const CKestaAddressInterval number = intervalOf(address);
+    return addressText(number.bIPv6, number.first);
 }
 
 }   // namespace
@@ -247,21 +335,37 @@ KestaIPRangeSet::~KestaIPRangeSet() = default;
 
 std::size_t KestaIPRangeSet::add(const KestaIPRange& range)
 {
+    constexpr CKestaAddressInterval none{false, 1, 0};
+    return addInterval(range.getAddressFamily() != 0 ? intervalOf(range) : none);
+}
+
+std::size_t KestaIPRangeSet::add(const KestaIPAddress& first, const KestaIPAddress& last)
+{
+    return addInterval(
+        spanOf(intervalOf(first), intervalOf(last), textOf(first) + " - " + textOf(last)));
+}
+
+std::size_t KestaIPRangeSet::addBlock(const KestaIPAddress& address, int iPrefixLength)
+{
+    return addInterval(blockOf(intervalOf(address), iPrefixLength,
+                               textOf(address) + "/" + std::to_string(iPrefixLength)));
+}
+
+std::size_t KestaIPRangeSet::addEntry(std::string_view entry)
+{
+    return addInterval(parseEntry(entry));
+}
+
+std::size_t KestaIPRangeSet::addInterval(const CKestaAddressInterval& interval)
+{
     if (size() == ulMostRanges)
         throw std::length_error("KestaIPRangeSet: too many ranges");   // unreachable below 12 GB
     const auto uRange = static_cast<std::uint32_t>(size());
-    const int iFamily = range.getAddressFamily();
-    if (iFamily != 0)
-    {
-        const sockaddr_storage& first = range.getStartAddress()->viewSockAddress();
-        const sockaddr_storage& last = range.getEndAddress()->viewSockAddress();
-        if (iFamily == KestaIPRange::KESTA_IPV4_FAMILY)
-            m_pIndexes->ipv4.add(KestaAddressNumber::in<KestaIPv4Number>(first),
-                                 KestaAddressNumber::in<KestaIPv4Number>(last), uRange);
-        else
-            m_pIndexes->ipv6.add(KestaAddressNumber::in<KestaIPv6Number>(first),
-                                 KestaAddressNumber::in<KestaIPv6Number>(last), uRange);
-    }
+    if (interval.bIPv6)
+        m_pIndexes->ipv6.add(interval.first, interval.last, uRange);
+    else
+        m_pIndexes->ipv4.add(static_cast<KestaIPv4Number>(interval.first),
+                             static_cast<KestaIPv4Number>(interval.last), uRange);
     m_pIndexes->bBuilt = false;
     return m_pIndexes->ulRanges++;
 }
@@ -274,33 +378,49 @@ void KestaIPRangeSet::build()
     m_pIndexes->bBuilt = true;
 }
 
-bool KestaIPRangeSet::isMember(const KestaIPAddress* address) const
+long KestaIPRangeSet::indexOf(const KestaIPAddress& address) const
 {
-    return indexOf(address) >= 0;
-}
-
-bool KestaIPRangeSet::isMember(const in_addr& address) const
-{
-    return indexOf(address) >= 0;
-}
-
-bool KestaIPRangeSet::isMember(const in6_addr& address) const
-{
-    return indexOf(address) >= 0;
+    return indexOf(reinterpret_cast<const sockaddr*>(&address.viewSockAddress()), false);
 }
 
 long KestaIPRangeSet::indexOf(const KestaIPAddress* address) const
 {
+    return address != nullptr ? indexOf(*address) : indexOf(nullptr);
+}
+
+long KestaIPRangeSet::indexOf(const sockaddr* address) const
+{
+    return address != nullptr ? indexOf(address, true) : indexOf(nullptr);
+}
+
+long KestaIPRangeSet::indexOf(std::nullptr_t) const
+{
+    static_cast<void>(built());
+    return -1;
+}
+
+long KestaIPRangeSet::indexOf(const sockaddr* address, bool bMapped) const
+{
     const CIndexes& indexes = built();
-    if (address == nullptr)
-        return -1;
-    const sockaddr_storage& asked = address->viewSockAddress();
-    switch (asked.ss_family)
+    switch (address->sa_family)
     {
     case AF_INET:
-        return indexes.ipv4.indexOf(KestaAddressNumber::in<KestaIPv4Number>(asked));
+    {
+        sockaddr_in ipv4;
+        std::memcpy(&ipv4, address, sizeof ipv4);
+        return indexOf(ipv4.sin_addr);
+    }
     case AF_INET6:
-        return indexes.ipv6.indexOf(KestaAddressNumber::in<KestaIPv6Number>(asked));
+    {
+        sockaddr_in6 ipv6;
+        std::memcpy(&ipv6, address, sizeof ipv6);
+        if (bMapped && IN6_IS_ADDR_V4MAPPED(&ipv6.sin6_addr))
+        {
+            const auto number = KestaAddressNumber::of(ipv6.sin6_addr);
+            return indexes.ipv4.indexOf(static_cast<KestaIPv4Number>(number));
+        }
+        return indexOf(ipv6.sin6_addr);
+    }
     default:
         return -1;
     }
@@ -314,6 +434,16 @@ long KestaIPRangeSet::indexOf(const in_addr& address) const
 long KestaIPRangeSet::indexOf(const in6_addr& address) const
 {
     return built().ipv6.indexOf(KestaAddressNumber::of(address));
+}
+
+void KestaIPRangeSet::indexesOf(const in_addr* addresses, std::size_t ulCount, long* indexes) const
+{
+    built().ipv4.indexesOf(addresses, ulCount, indexes);
+}
+
+void KestaIPRangeSet::indexesOf(const in6_addr* addresses, std::size_t ulCount, long* indexes) const
+{
+    built().ipv6.indexesOf(addresses, ulCount, indexes);
 }
 
 std::size_t KestaIPRangeSet::size() const
