@@ -6,6 +6,7 @@
 #include "KestaIPRangeSet.h"
 #include "KestaIPv4Address.h"
 #include "KestaIPv6Address.h"
+#include "KestaString.h"
 
 #include <cstddef>
 #include <fstream>
@@ -37,9 +38,9 @@ public:
     }
 
 private:
-    void add(const std::string& rule, std::size_t number)
+    void add(CKestaString rule, std::size_t number)
     {
-        if (rule.find_first_not_of(" \t\r") == std::string::npos)
+        if (rule.trim().empty())
             return;
         try
         {
