@@ -70,12 +70,12 @@ bool isExcluded(const std::string& bytes)
 /// The block of this prefix length that contains an address.
 Ends blockOf(Ends ends, int prefix)
 {
-    for (; prefix < 128; ++prefix)
+    for (auto bit = static_cast<std::size_t>(prefix); bit < 128; ++bit)
     {
-        const int bit = 0x80 >> prefix % 8;
-        char &first = ends.first[prefix / 8], &last = ends.second[prefix / 8];
-        first = static_cast<char>(first & ~bit);
-        last = static_cast<char>(last | bit);
+        const int mask = 0x80 >> bit % 8;
+        char &first = ends.first[bit / 8], &last = ends.second[bit / 8];
+        first = static_cast<char>(first & ~mask);
+        last = static_cast<char>(last | mask);
     }
     return ends;
 }

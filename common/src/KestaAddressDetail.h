@@ -87,8 +87,9 @@ inline CKestaExc errorNaming(const char* pszMessage, const CKestaString& strText
 }
 
 /// Calls `work` so that callers see error objects only: any other exception is traced, and becomes
-/// an error object with the given message. Error objects are not `std::exception`s, so they pass
-/// without being thrown again; so does the cancellation of the thread.
+/// an error object with the given message. All others are `std::exception`s, because only memory
+/// can run out here. Error objects are none, nor is the cancellation of the thread, so both pass
+/// without being caught: catching and rethrowing would cost a refused text half its time again.
 template <class TWork>
 void asErrorObjects(const char* pszTrace, const char* pszMessage, TWork work)
 {
