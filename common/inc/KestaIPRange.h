@@ -7,7 +7,6 @@
 #include "KestaIPAddress.h"
 #include "KestaString.h"
 
-#include <cstddef>
 #include <iosfwd>
 #include <new>
 #include <string_view>

@@ -4,7 +4,6 @@
 #include "KestaAddressDetail.h"
 #include "KestaAddressNumber.h"
 #include "KestaDebug.h"
-#include "KestaException.h"
 #include "KestaProcess.h"
 
 #include <cerrno>

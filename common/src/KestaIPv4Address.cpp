@@ -7,6 +7,8 @@
 #include "KestaException.h"
 #include "KestaIPUtilities.h"
 
+#include <sys/socket.h>
+
 bool KestaIPv4Address::m_bIPv4LoopBack = false;
 bool KestaIPv4Address::m_bIPv4MutliCast = false;
 bool KestaIPv4Address::m_bIPv4LinkLocal = false;
