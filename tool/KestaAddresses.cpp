@@ -4,17 +4,12 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <tuple>
 
 #include <netinet/in.h>
-#include <sys/socket.h>
 
 namespace
 {
-
-bool isIPv6(const KestaIPAddress& address)
-{
-    return address.viewSockAddress().ss_family == AF_INET6;
-}
 
 constexpr CKestaAddressInterval ipv4(std::uint32_t uAddress, int iPrefixLength)
 {
@@ -84,33 +79,40 @@ bool readAddress(std::string_view text, CKestaAddress& address)
     return bRead;
 }
 
-CKestaAddress numberOf(const KestaIPAddress& address)
-{
-    const sockaddr_storage& storage = address.viewSockAddress();
-    if (isIPv6(address))
-        return {true, KestaAddressNumber::in<KestaIPv6Number>(storage)};
-    return {false, KestaAddressNumber::in<KestaIPv4Number>(storage)};
-}
-
-std::string textOf(const CKestaAddress& address)
-{
-    char szIPv4[INET_ADDRSTRLEN];
-    char szIPv6[INET6_ADDRSTRLEN];
-    if (address.bIPv6)
-        CKestaAddressCodec::writeIPv6(address.number, szIPv6);
-    else
-        CKestaAddressCodec::writeIPv4(static_cast<KestaIPv4Number>(address.number), szIPv4);
-    return address.bIPv6 ? szIPv6 : szIPv4;
-}
-
 std::string textOf(const KestaIPAddress& address)
 {
-    return textOf(numberOf(address));
+    const CKestaAddressInterval interval = intervalOf(address);
+    return addressText(interval.bIPv6, interval.first);
 }
 
-const char* familyOf(const KestaIPAddress& address)
+const char* familyOf(const CKestaAddressInterval& interval)
 {
-    return isIPv6(address) ? "IPv6" : "IPv4";
+    return interval.bIPv6 ? "IPv6" : "IPv4";
+}
+
+bool contains(const CKestaAddressInterval& outer, const CKestaAddressInterval& inner)
+{
+    return outer.bIPv6 == inner.bIPv6 && outer.first <= inner.first && inner.last <= outer.last;
+}
+
+std::vector<CKestaAddressInterval> joined(std::vector<CKestaAddressInterval> intervals)
+{
+    const auto isBefore = [](const CKestaAddressInterval& left, const CKestaAddressInterval& right)
+    {
+        return std::tie(left.bIPv6, left.first) < std::tie(right.bIPv6, right.first);
+    };
+    std::sort(intervals.begin(), intervals.end(), isBefore);
+    std::vector<CKestaAddressInterval> result;
+    for (const CKestaAddressInterval& next : intervals)
+    {
+        const bool bTouches = !result.empty() && result.back().bIPv6 == next.bIPv6 &&
+                              (next.first == 0 || next.first - 1 <= result.back().last);
+        if (bTouches)
+            result.back().last = std::max(result.back().last, next.last);
+        else
+            result.push_back(next);
+    }
+    return result;
 }
 
 std::string sizeOf(const CKestaAddressInterval& interval)
@@ -140,7 +142,7 @@ std::vector<std::string> blocksOf(const CKestaAddressInterval& interval)
             rest = rest << 1 | 1;
             --iPrefixLength;
         }
-        blocks.push_back(textOf({interval.bIPv6, first}) + "/" + std::to_string(iPrefixLength));
+        blocks.push_back(addressText(interval.bIPv6, first) + "/" + std::to_string(iPrefixLength));
         if (rest == interval.last - first)
             return blocks;
         first += rest + 1;

@@ -26,17 +26,17 @@ const char* scanAddress(const char* pText, CKestaAddress& address);
 /// IPv6 address.
 bool readAddress(std::string_view text, CKestaAddress& address);
 
-/// The number of an address value.
-CKestaAddress numberOf(const KestaIPAddress& address);
-
-/// An address in its usual form.
-std::string textOf(const CKestaAddress& address);
-
-/// The same for an address value, whatever text it was made from.
+/// The usual form of an address value, whatever text it was made from.
 std::string textOf(const KestaIPAddress& address);
 
 /// "IPv4" or "IPv6".
-const char* familyOf(const KestaIPAddress& address);
+const char* familyOf(const CKestaAddressInterval& interval);
+
+/// True when the first interval contains the second, of the same family.
+bool contains(const CKestaAddressInterval& outer, const CKestaAddressInterval& inner);
+
+/// The fewest intervals that contain the same addresses, IPv4 first, in ascending order.
+std::vector<CKestaAddressInterval> joined(std::vector<CKestaAddressInterval> intervals);
 
 /// The exact number of its addresses: "1" to "340282366920938463463374607431768211456".
 std::string sizeOf(const CKestaAddressInterval& interval);

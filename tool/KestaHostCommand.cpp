@@ -46,8 +46,8 @@ struct CHost
             const TAddress& address = all.getAt(u);
             const bool bKept = uKept < kept.size() && textOf(kept.getAt(uKept)) == textOf(address);
             uKept += bKept;
-            entries.push_back(
-                {textOf(address), familyOf(address), classOf(intervalOf(address)), bKept});
+            entries.push_back({textOf(address), familyOf(intervalOf(address)),
+                               classOf(intervalOf(address)), bKept});
         }
     }
 };

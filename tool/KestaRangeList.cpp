@@ -1,24 +1,35 @@
 #include "KestaRangeList.h"
 
+#include "KestaArgument.h"
+#include "KestaException.h"
 #include "KestaInput.h"
-#include "KestaRangeArgument.h"
+#include "KestaRangeEntry.h"
 #include "KestaToolError.h"
 #include "KestaToolText.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <memory>
+#include <string_view>
 
-void CKestaRangeList::add(const std::string& strText, const std::string& strPlace)
+void CKestaRangeList::add(const std::string& strText, const std::string& strFile,
+                          std::size_t ulLine)
 {
+    const auto place = [&]
+    {
+        return strFile.empty() ? "" : strFile + ":" + std::to_string(ulLine) + ": ";
+    };
     try
     {
-        m_ranges.add(*readRange(strText, strPlace));
+        m_ranges.add(strText);
+        if (!isPlain(strText))
+            report(place() + "range " + inQuotes(strText) + " " +
+                   explanation(strText, parseEntry(strText)));
         if (m_bKeepTexts)
             m_texts.push_back(strText);
     }
-    catch (const CKestaToolError& error)
+    catch (const CKestaExc& exc)
     {
-        report(error.what());
+        report(place() + rangeError(strText, exc).what());
         m_bAllRead = false;
     }
 }
@@ -26,28 +37,32 @@ void CKestaRangeList::add(const std::string& strText, const std::string& strPlac
 void CKestaRangeList::addFile(const std::string& strPath)
 {
     CKestaInput input(strPath);
-    std::string strLine;
+    std::string strBegun;   // a line that continues in the next piece
     std::size_t ulLine = 0;
-    const auto addLine = [&]
+    const auto addLine = [&](std::string_view line)
     {
         ++ulLine;
-        const std::string_view range =
-            withoutBlanks(std::string_view(strLine).substr(0, strLine.find_first_of("#;")));
-        if (!range.empty())
-            add(std::string(range), input.name() + ":" + std::to_string(ulLine) + ": ");
-        strLine.clear();
+        const auto isComment = [](char c)
+        {
+            return c == '#' || c == ';';
+        };
+        const auto itEnd = std::find_if(line.begin(), line.end(), isComment);
+        line = withoutBlanks(line.substr(0, static_cast<std::size_t>(itEnd - line.begin())));
+        if (!line.empty())
+            add(std::string(line), input.name(), ulLine);
     };
     for (std::string_view bytes = input.readFirst(); !bytes.empty(); bytes = input.read())
     {
         for (std::size_t ulNewline; (ulNewline = bytes.find('\n')) != bytes.npos;)
         {
-            strLine += bytes.substr(0, ulNewline);
+            addLine(strBegun.empty() ? bytes.substr(0, ulNewline)
+                                     : strBegun.append(bytes, 0, ulNewline));
+            strBegun.clear();
             bytes.remove_prefix(ulNewline + 1);
-            addLine();
         }
-        strLine += bytes;
+        strBegun += bytes;
     }
-    addLine();
+    addLine(strBegun);
 }
 
 const KestaIPRangeSet& CKestaRangeList::build()

@@ -15,11 +15,11 @@ public:
     /// `textAt` needs the texts.
     explicit CKestaRangeList(bool bKeepTexts) : m_bKeepTexts(bKeepTexts) {}
 
-    /// Adds a range. `strPlace` says where the text stands, such as "ranges.txt:3: ".
-    void add(const std::string& strText, const std::string& strPlace = "");
+    /// Adds an entry: a range, a block or a span. Reports name the file and the line.
+    void add(const std::string& strText, const std::string& strFile = "", std::size_t ulLine = 0);
 
-    /// Adds the ranges of a file, one per line. "#" and ";" begin
-    /// a comment, and blank lines are skipped.
+    /// Adds the entries of a file, one per line. "#" and ";" begin comments, and blank lines are
+    /// skipped.
     ///
     /// Throws: `CKestaInputError` when the file can't be read.
     void addFile(const std::string& strPath);

@@ -1,7 +1,6 @@
 #include "KestaToolText.h"
 
-#include <algorithm>
-#include <cstddef>
+#include "KestaTextDetail.h"
 
 namespace
 {
@@ -56,15 +55,21 @@ std::string printable(std::string_view text, std::string_view kept)
     return strResult;
 }
 
+std::string shortened(std::string_view text, std::size_t ulShown)
+{
+    return std::string(text.substr(0, ulShown)) + (text.size() > ulShown ? "..." : "");
+}
+
 std::string inQuotes(std::string_view text)
 {
-    constexpr std::size_t ulShown = 64;
-    return "'" + std::string(text.substr(0, ulShown)) + (text.size() > ulShown ? "...'" : "'");
+    return "'" + shortened(text) + "'";
 }
 
 std::string_view withoutBlanks(std::string_view text)
 {
-    constexpr char szBlanks[] = " \t\r\n\v\f";
-    text.remove_prefix(std::min(text.find_first_not_of(szBlanks), text.size()));
-    return text.substr(0, text.find_last_not_of(szBlanks) + 1);
+    while (!text.empty() && KestaTextDetail::isSpace(text.back()))
+        text.remove_suffix(1);
+    while (!text.empty() && KestaTextDetail::isSpace(text.front()))
+        text.remove_prefix(1);
+    return text;
 }

@@ -1,6 +1,7 @@
 #ifndef KESTA_TOOL_TEXT_H
 #define KESTA_TOOL_TEXT_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -8,7 +9,10 @@
 /// is written as \x and two digits, except for the characters in `kept`.
 std::string printable(std::string_view text, std::string_view kept = {});
 
-/// The first 64 bytes of a text, in single quotes.
+/// The first bytes of a text, and "..." if there are more.
+std::string shortened(std::string_view text, std::size_t ulShown = 64);
+
+/// The same in single quotes.
 std::string inQuotes(std::string_view text);
 
 /// A text without the white space around it.
