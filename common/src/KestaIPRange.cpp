@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
 #include <cstdlib>
 #include <new>
 #include <string>
