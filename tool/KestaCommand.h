@@ -20,8 +20,8 @@ public:
     /// True when the user named this subcommand.
     bool isChosen() const;
 
-    /// True when it runs within an entry into the library, so that the library can trace.
-    virtual bool isEntry() const { return true; }
+    /// True when it may run within an entry into the library, so that the library can trace.
+    virtual bool mayTrace() const { return true; }
 
     /// Runs the subcommand, and returns the exit status.
     ///

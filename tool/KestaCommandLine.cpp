@@ -19,6 +19,7 @@
 #include <cstddef>
 #include <exception>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -46,6 +47,7 @@ public:
             ->type_name("DIR");
         m_root.add_option("--data-dir", m_strDataDir, "The data directory, which contains log/")
             ->type_name("DIR");
+        m_root.add_flag("--trace", m_bTrace, "Trace what the library does into the configured log");
         m_root.set_version_flag("--version", strVersion, "Show the version");
         m_root.footer("See 'kesta SUBCOMMAND --help'. Exit status: 0 for yes or success, 1 for "
                       "no, 2 for an error.");
@@ -89,6 +91,10 @@ public:
         setDirectory("--data-dir", CKestaHostSetup::KESTA_DATA_DIR, m_strDataDir);
         return chosenCommand();
     }
+
+    /// True if the user wants a trace. Without being told, the command leaves the host's log alone:
+    /// it would create it with the wrong owner, or roll it over.
+    bool isTraceWanted() const { return m_bTrace; }
 
 private:
     // The parser would take a text in brackets for a list of texts.
@@ -198,15 +204,16 @@ private:
     CLI::App m_root;
     std::string m_strInstalledDir;
     std::string m_strDataDir;
+    bool m_bTrace = false;
     std::vector<std::unique_ptr<CKestaCommand>> m_commands;
     CLI::App* m_pHelp = nullptr;
     std::string m_strHelp;
 };
 
-int run(CKestaCommand& command, CKestaOutput& output)
+int run(CKestaCommand& command, bool bTrace, CKestaOutput& output)
 {
     std::optional<CKestaEntry> entry;
-    if (command.isEntry())
+    if (bTrace && command.mayTrace())
     {
         const CKestaOutputToError redirection;
         entry.emplace();
@@ -234,12 +241,17 @@ int runKesta(int argc, char** argv)
         CKestaCommandLine commandLine;
         CKestaCommand* const pCommand = commandLine.parse(argc, argv, output);
         if (pCommand != nullptr)
-            return run(*pCommand, output);
+            return run(*pCommand, commandLine.isTraceWanted(), output);
         output.flush();
         return iStatusYes;
     }
     catch (const CKestaReaderGone&)
     {
+        return iStatusError;
+    }
+    catch (const std::bad_alloc&)
+    {
+        report("there is not enough memory");
         return iStatusError;
     }
     catch (const std::exception& error)

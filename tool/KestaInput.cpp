@@ -2,6 +2,7 @@
 
 #include "KestaToolText.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 
@@ -13,6 +14,7 @@ namespace
 {
 
 constexpr std::size_t ulBlock = 256UL * 1024;
+constexpr std::size_t ulTail = 256;
 
 CKestaFileId idOf(const struct stat& status)
 {
@@ -42,6 +44,20 @@ std::unique_ptr<CKestaInput> CKestaInput::openIfThere(const std::string& strPath
 {
     const int iFile = openFile(strPath);
     if (iFile < 0 && errno == ENOENT)
+        return nullptr;
+    return std::unique_ptr<CKestaInput>(new CKestaInput(strPath, iFile));
+}
+
+std::unique_ptr<CKestaInput> CKestaInput::openIfRegular(const std::string& strPath)
+{
+    struct stat status;
+    const int iFile = open(strPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    if (iFile >= 0 && fstat(iFile, &status) == 0 && !S_ISREG(status.st_mode))
+    {
+        close(iFile);
+        return nullptr;
+    }
+    if (iFile < 0 && (errno == ENOENT || errno == ENXIO))
         return nullptr;
     return std::unique_ptr<CKestaInput>(new CKestaInput(strPath, iFile));
 }
@@ -82,7 +98,12 @@ std::string_view CKestaInput::readBehind(std::size_t ulKept)
         const ssize_t lRead =
             ::read(m_file.get(), m_buffer.data() + ulKept, m_buffer.size() - ulKept);
         if (lRead >= 0)
-            return {m_buffer.data(), ulKept + static_cast<std::size_t>(lRead)};
+        {
+            const std::string_view bytes(m_buffer.data(), ulKept + static_cast<std::size_t>(lRead));
+            if (lRead > 0)
+                m_strTail = bytes.substr(bytes.size() - std::min(bytes.size(), ulTail));
+            return bytes;
+        }
         if (errno != EINTR)
             throw CKestaInputError(systemError(m_strName, errno));
     }
@@ -97,15 +118,28 @@ CKestaFileId CKestaInput::id() const
 void CKestaInput::skip()
 {
     lseek(m_file.get(), 0, SEEK_END);
+    m_strTail.clear();
 }
 
-bool CKestaInput::rewindIfShortened()
+bool CKestaInput::rewindIfReplaced()
 {
     struct stat own;
-    if (fstat(m_file.get(), &own) != 0 || own.st_size >= lseek(m_file.get(), 0, SEEK_CUR))
+    const off_t lPosition = lseek(m_file.get(), 0, SEEK_CUR);
+    if (fstat(m_file.get(), &own) != 0 || !S_ISREG(own.st_mode) ||
+        (own.st_size >= lPosition && endsWithTail(lPosition)))
         return false;
     lseek(m_file.get(), 0, SEEK_SET);
+    m_strTail.clear();
     return true;
+}
+
+// Also true if that can't be read.
+bool CKestaInput::endsWithTail(off_t lPosition) const
+{
+    std::string strFound(m_strTail.size(), '\0');
+    const ssize_t lRead = pread(m_file.get(), strFound.data(), strFound.size(),
+                                lPosition - static_cast<off_t>(strFound.size()));
+    return lRead < 0 || strFound == m_strTail;
 }
 
 std::uint64_t CKestaInput::size() const

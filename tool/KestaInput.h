@@ -50,6 +50,10 @@ public:
     /// The same, or null if the file does not exist.
     static std::unique_ptr<CKestaInput> openIfThere(const std::string& strPath);
 
+    /// The same, or null if there is no regular file, but a pipe or a directory, for instance.
+    /// Never blocks.
+    static std::unique_ptr<CKestaInput> openIfRegular(const std::string& strPath);
+
     /// The first bytes of a text, without a byte-order mark, which some editors put there.
     std::string_view readFirst();
 
@@ -61,9 +65,9 @@ public:
     /// Skips what the file holds now.
     void skip();
 
-    /// If the file has become shorter than what was read of it, goes back to its start and returns
-    /// true.
-    bool rewindIfShortened();
+    /// If the file no longer contains what was read of it, as far as its length and the last bytes
+    /// that were read show, goes back to its start and returns true.
+    bool rewindIfReplaced();
 
     /// The size of a regular file; 0 for any other.
     std::uint64_t size() const;
@@ -74,11 +78,13 @@ public:
 private:
     CKestaInput(const std::string& strName, int iFile);
     std::string_view readBehind(std::size_t ulKept);
+    bool endsWithTail(off_t lPosition) const;
     bool isStandardOutput() const;
 
     std::string m_strName;
     CKestaDescriptor m_file;
     std::vector<char> m_buffer;
+    std::string m_strTail;   // the last bytes that were read
 };
 
 #endif

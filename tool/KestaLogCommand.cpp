@@ -108,7 +108,7 @@ public:
     explicit CLogCommand(CLI::App& root);
 
     /// Showing a log must not change it.
-    bool isEntry() const override { return false; }
+    bool mayTrace() const override { return false; }
 
     int run(CKestaOutput& output) override;
 

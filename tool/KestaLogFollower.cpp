@@ -57,7 +57,7 @@ void CKestaLogFollower::begin()
 {
     try
     {
-        if (std::unique_ptr<CKestaInput> pOld = CKestaInput::openIfThere(m_followed.strOldLog))
+        if (std::unique_ptr<CKestaInput> pOld = CKestaInput::openIfRegular(m_followed.strOldLog))
         {
             pOld->skip();
             m_oldId = pOld->id();
@@ -69,6 +69,7 @@ void CKestaLogFollower::begin()
         m_oldId = CKestaFileId::at(m_followed.strOldLog);
     }
     look();
+    m_bBegun = true;
     m_watch.takeRollOvers();
     m_lUnseen = 0;
     if (!m_watch.isComplete())
@@ -102,7 +103,9 @@ void CKestaLogFollower::look()
         }
         if (CKestaFileId::at(m_followed.strLog) == logId())
             return;
-        std::unique_ptr<CKestaInput> pNew = CKestaInput::openIfThere(m_followed.strLog);
+        // A pipe may be followed, but one that takes the log's place later would block.
+        std::unique_ptr<CKestaInput> pNew = m_bBegun ? CKestaInput::openIfRegular(m_followed.strLog)
+                                                     : CKestaInput::openIfThere(m_followed.strLog);
         if (CKestaFileId::at(m_followed.strOldLog) != m_oldId)
             continue;   // rolled over meanwhile: another log may come before the new one
         if (pNew != nullptr)
@@ -124,7 +127,8 @@ void CKestaLogFollower::rollOver()
     {
         if (oldId != logId())
         {
-            std::unique_ptr<CKestaInput> pBetween = CKestaInput::openIfThere(m_followed.strOldLog);
+            std::unique_ptr<CKestaInput> pBetween =
+                CKestaInput::openIfRegular(m_followed.strOldLog);
             if (pBetween == nullptr || pBetween->id() != oldId)
                 return;   // replaced again
             add(std::move(pBetween));
@@ -156,7 +160,7 @@ void CKestaLogFollower::copyAll()
 
 void CKestaLogFollower::copy(CLog& log)
 {
-    if (log.pInput->rewindIfShortened())
+    if (log.pInput->rewindIfReplaced())
     {
         log.printer.finish();
         report(m_followed.strLog + ": truncated; continuing from its start");

@@ -60,6 +60,7 @@ private:
     CKestaOutput& m_output;
     CKestaLogWatch m_watch;
     std::list<CLog> m_logs;   // held open, the oldest first
+    bool m_bBegun = false;
     CLog* m_pLog = nullptr;   // the file last seen at the log's path
     CKestaFileId m_oldId;     // the file last seen at the old log's path
     long m_lUnseen = 0;       // the roll-overs that were reported, minus those that were seen
