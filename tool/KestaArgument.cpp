@@ -42,7 +42,8 @@ bool isDate(const std::string& strText)
 // The IPv4 part of an IPv4-mapped text, or the whole.
 const char* ipv4Part(const std::string& strText)
 {
-    const char* pszPart = strText.c_str() + strText.rfind(':') + 1;
+    const char* const pszColon = std::strrchr(strText.c_str(), ':');
+    const char* pszPart = pszColon != nullptr ? pszColon + 1 : strText.c_str();
     while (KestaTextDetail::isSpace(*pszPart))
         ++pszPart;
     return pszPart;
@@ -201,8 +202,11 @@ std::string explanation(const std::string& strText, const CKestaAddressInterval&
     return strReading + "; for the whole block write " + strBlock;
 }
 
-bool isPlain(const std::string& strText)
+bool isPlain(std::string_view text)
 {
+    if (text.find('/') != text.npos)
+        return true;   // a block, whose address has its usual form
+    const std::string strText(text);
     const char* const pszIPv4 = ipv4Part(strText);
     if (std::strchr(pszIPv4, '.') == nullptr)
         return true;

@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 /// Each turns the text of an argument into its value, or throws a `CKestaToolError` that names the
 /// argument and says what is expected.
@@ -33,7 +34,7 @@ CKestaRangeArgument readRangeArgument(const std::string& strText);
 std::string explanation(const std::string& strText, const CKestaAddressInterval& addresses);
 
 /// True when `explanation` is known to be empty, without the addresses.
-bool isPlain(const std::string& strText);
+bool isPlain(std::string_view text);
 
 /// The error of a text that is no range, when the library has refused it. It is traced.
 CKestaToolError rangeError(const std::string& strText, const CKestaExc& exc);

@@ -11,8 +11,7 @@
 #include <cstddef>
 #include <string_view>
 
-void CKestaRangeList::add(const std::string& strText, const std::string& strFile,
-                          std::size_t ulLine)
+void CKestaRangeList::add(std::string_view text, const std::string& strFile, std::size_t ulLine)
 {
     const auto place = [&]
     {
@@ -20,16 +19,16 @@ void CKestaRangeList::add(const std::string& strText, const std::string& strFile
     };
     try
     {
-        m_ranges.add(strText);
-        if (!isPlain(strText))
-            report(place() + "range " + inQuotes(strText) + " " +
-                   explanation(strText, parseEntry(strText)));
+        m_ranges.add(text);
+        if (!isPlain(text))
+            report(place() + "range " + inQuotes(text) + " " +
+                   explanation(std::string(text), parseEntry(text)));
         if (m_bKeepTexts)
-            m_texts.push_back(strText);
+            m_texts.emplace_back(text);
     }
     catch (const CKestaExc& exc)
     {
-        report(place() + rangeError(strText, exc).what());
+        report(place() + rangeError(std::string(text), exc).what());
         m_bAllRead = false;
     }
 }
@@ -42,14 +41,9 @@ void CKestaRangeList::addFile(const std::string& strPath)
     const auto addLine = [&](std::string_view line)
     {
         ++ulLine;
-        const auto isComment = [](char c)
-        {
-            return c == '#' || c == ';';
-        };
-        const auto itEnd = std::find_if(line.begin(), line.end(), isComment);
-        line = withoutBlanks(line.substr(0, static_cast<std::size_t>(itEnd - line.begin())));
+        line = withoutBlanks(line.substr(0, std::min(line.find('#'), line.find(';'))));
         if (!line.empty())
-            add(std::string(line), input.name(), ulLine);
+            add(line, input.name(), ulLine);
     };
     for (std::string_view bytes = input.readFirst(); !bytes.empty(); bytes = input.read())
     {

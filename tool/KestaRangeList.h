@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// The ranges of arguments and of files. A text that is not a range is reported on standard error,
@@ -16,7 +17,7 @@ public:
     explicit CKestaRangeList(bool bKeepTexts) : m_bKeepTexts(bKeepTexts) {}
 
     /// Adds an entry: a range, a block or a span. Reports name the file and the line.
-    void add(const std::string& strText, const std::string& strFile = "", std::size_t ulLine = 0);
+    void add(std::string_view text, const std::string& strFile = "", std::size_t ulLine = 0);
 
     /// Adds the entries of a file, one per line. "#" and ";" begin comments, and blank lines are
     /// skipped.
