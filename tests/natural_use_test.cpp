@@ -3,16 +3,23 @@
 
 #include "support.h"
 
+#include <gmock/gmock.h>
+
 #include "KestaArray.h"
 #include "KestaConfiguration.h"
 #include "KestaDate.h"
 #include "KestaIPRange.h"
 #include "KestaIPUtilities.h"
+#include "KestaMap.h"
+#include "KestaStack.h"
+#include "KestaVector.h"
 #include "KestaVersion.h"
 
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <iterator>
+#include <numeric>
 #include <thread>
 #include <type_traits>
 #include <unordered_map>
@@ -212,6 +219,35 @@ TEST(NaturalUse, ErrorsAndDates)
     new (memory) CKestaExc(*itself);
     EXPECT_EQ(shown(*itself), "-9999;;\n");
     itself->~CKestaExc();
+}
+
+TEST(NaturalUse, Containers)
+{
+    CKestaArray<CKestaString> array{"b", "c"};
+    CKestaVector<int> numbers{1, 2, 3};
+    const CKestaMap<CKestaString, int> map{{"x", 1}, {"y", 2}, {"x", 3}};
+    CKestaStack<int> stack;
+    const CKestaVector<std::string> source{"d", "e"};
+    std::copy(source.begin(), source.end(), std::back_inserter(array));
+    std::transform(numbers.begin(), numbers.end(), std::back_inserter(numbers = {}),
+        [](int number) { return number; });
+    const std::size_t at = 1;
+    const unsigned int atUnsigned = 0;
+    const char atChar = 2;
+    numbers = {4, 5, 6};
+    EXPECT_THAT(array, testing::ElementsAre("b", "c", "d", "e"));
+    EXPECT_THAT(map, testing::UnorderedElementsAre(testing::Pair("x", 1), testing::Pair("y", 2)));
+    EXPECT_THAT(CKestaVector<int>(), testing::IsEmpty());
+    check({ROW(array.getAt(at), "K c"), ROW(array.getAt(1), "K c"),
+        ROW(array.getAt(atUnsigned), "K b"), ROW(std::as_const(array).getAt(at), "K c"),
+        ROW(numbers[at], "5"), ROW(numbers[0], "4"), ROW(numbers[atChar], "6"),
+        ROW(std::as_const(numbers)[at], "5"), ROW(array.empty(), "0"), ROW(stack.empty(), "1"),
+        ROW(map.empty(), "0"), ROW(map.size(), "2"),
+        ROW(std::accumulate(numbers.begin(), numbers.end(), decltype(numbers)::value_type()),
+            "15")});
+    const CKestaMap<std::pair<int, int>, int> pairs{{{1, 2}, 3}};
+    EXPECT_EQ(pairs.get({1, 2}), 3);
+    EXPECT_EQ(errorOf([&] { pairs.get({2, 1}); }), "! CKestaMap::get(). KEY=");
 }
 
 template <class Left, class Right, class = void>

@@ -215,6 +215,21 @@ inline void kestaDebug1(TMessage message, int iLevel)
         CKestaDebug::trace("FH", message, iLevel);
 }
 
+// Loses against every other overload, and against those of hosts.
+template <class T = void>
+void kestaDebug1(...)
+{
+    static_assert(!std::is_void_v<T>,
+                  "trace a string or a number: getDateString() of a date, getStrAddress() of an "
+                  "address, GetErrorMessage() of an error object, string() of a path");
+}
+
+template <class T = void>
+void kestaDebug2(...)
+{
+    kestaDebug1<T>();
+}
+
 inline void kestaDebug2(const CKestaString& strSource, const CKestaString& strMessage, int iLevel)
 {
     if (CKestaDebug::isTraced(iLevel))

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <ostream>
 #include <type_traits>
@@ -39,9 +40,28 @@ KESTA_API std::ostream& kestaStandardOutput();
 template <class K, class V>
 class CKestaMap
 {
+    typedef std::map<K, V, std::less<K>> CStlMap;
+
 public:
+    typedef K key_type;
+    typedef V mapped_type;
+    typedef typename CStlMap::value_type value_type;
+    typedef typename CStlMap::reference reference;
+    typedef typename CStlMap::const_reference const_reference;
+    typedef typename CStlMap::const_iterator iterator;
+    typedef typename CStlMap::const_iterator const_iterator;
+    typedef typename CStlMap::difference_type difference_type;
+    typedef typename CStlMap::size_type size_type;
+
     /// An empty map, the cursor at its end.
     CKestaMap() : m_pIterator(m_stlMap.begin()) {}
+
+    /// A map of the given pairs, the cursor at its first entry. Of several pairs with the same key,
+    /// the first counts.
+    CKestaMap(std::initializer_list<value_type> entries)
+        : m_stlMap(entries), m_pIterator(m_stlMap.begin())
+    {
+    }
 
     /// The same entries, the cursor at the same one.
     CKestaMap(const CKestaMap& other) : m_stlMap(other.m_stlMap), m_pIterator(sameEntry(other)) {}
@@ -69,7 +89,8 @@ public:
     }
 
     /// Removes the key if it is there, then inserts the pair. Key and value may be part of the
-    /// entry that is replaced, as in `map.forceAdd(strKey, map.get(strKey))`.
+    /// entry that is replaced, as in `map.forceAdd(strKey, map.get(strKey))`. If the cursor is at
+    /// the entry that is replaced, it moves to the next one.
     void forceAdd(const K& key, const V& value)
     {
         const K keyCopy(key);
@@ -99,6 +120,10 @@ public:
 
     /// The number of entries.
     std::size_t getNoOfItems() const { return m_stlMap.size(); }
+    std::size_t size() const { return m_stlMap.size(); }
+
+    /// True when there is no entry.
+    bool empty() const { return m_stlMap.empty(); }
 
     /// True when the key is there.
     bool find(const K& key) const { return m_stlMap.find(key) != m_stlMap.end(); }
@@ -106,7 +131,8 @@ public:
     /// The value of a key.
     ///
     /// Throws: `CKestaExc`, "CKestaMap::get(). KEY=" and the key, when the key is missing.
-    /// Intended: an `int` key is shown as the character whose code is its low byte.
+    /// Intended: an `int` key is shown as the character whose code is its low byte. A key that
+    /// can't be appended to a string is not shown.
     V& get(const K& key) { return const_cast<V&>(std::as_const(*this).get(key)); }
 
     /// The same for a map that is only read.
@@ -159,8 +185,6 @@ public:
     }
 
 private:
-    typedef std::map<K, V, std::less<K>> CStlMap;
-
     typename CStlMap::iterator sameEntry(const CKestaMap& other)
     {
         const typename CStlMap::const_iterator itOther = other.m_pIterator;
@@ -179,9 +203,21 @@ private:
         CKestaString strMessage("CKestaMap::get(). KEY=");
         if constexpr (std::is_arithmetic_v<K> || std::is_enum_v<K>)
             strMessage += static_cast<char>(key);
-        else
+        else if constexpr (canBeAppended<K>(0))
             strMessage += key;
         return CKestaExc(strMessage);
+    }
+
+    template <class TKey>
+    static constexpr auto canBeAppended(int)
+        -> decltype(std::declval<CKestaString&>() += std::declval<const TKey&>(), true)
+    {
+        return true;
+    }
+    template <class TKey>
+    static constexpr bool canBeAppended(long)
+    {
+        return false;
     }
 
     CStlMap m_stlMap;

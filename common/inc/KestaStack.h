@@ -13,6 +13,8 @@ template <class T>
 class CKestaStack
 {
 public:
+    typedef T value_type;
+
     CKestaStack() = default;
     CKestaStack(const CKestaStack& other) = default;
     CKestaStack& operator=(const CKestaStack& other) = default;
@@ -39,6 +41,7 @@ public:
 
     /// True when there is no item.
     bool isEmpty() const { return s.empty(); }
+    bool empty() const { return s.empty(); }
 
 private:
     std::stack<T, std::deque<T>> s;

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <initializer_list>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -13,13 +15,25 @@ template <class T>
 class CKestaVector
 {
 public:
+    typedef typename std::vector<T>::value_type value_type;
+    typedef typename std::vector<T>::reference reference;
+    typedef typename std::vector<T>::const_reference const_reference;
+    typedef typename std::vector<T>::iterator iterator;
+    typedef typename std::vector<T>::const_iterator const_iterator;
+    typedef typename std::vector<T>::difference_type difference_type;
+    typedef typename std::vector<T>::size_type size_type;
+
     CKestaVector() = default;
+    CKestaVector(std::initializer_list<T> items) : v(items) {}
     CKestaVector(const CKestaVector& other) = default;   // and no move: it would empty the source
     CKestaVector& operator=(const CKestaVector& other) = default;
     ~CKestaVector() = default;
 
     /// The number of items.
     std::size_t size() const { return v.size(); }
+
+    /// True when there is no item.
+    bool empty() const { return v.empty(); }
 
     /// Appends a copy of the item.
     void push_back(const T& item) { v.push_back(item); }
@@ -29,6 +43,18 @@ public:
 
     /// The same for a vector that is only read.
     const T& operator[](int index) const { return v[static_cast<std::size_t>(index)]; }
+
+    /// The same for a `std::size_t`, which is not narrowed.
+    template <class TIndex, std::enable_if_t<std::is_same_v<TIndex, std::size_t>, int> = 0>
+    T& operator[](TIndex index)
+    {
+        return v[index];
+    }
+    template <class TIndex, std::enable_if_t<std::is_same_v<TIndex, std::size_t>, int> = 0>
+    const T& operator[](TIndex index) const
+    {
+        return v[index];
+    }
 
     /// The first item and the end, for a range-based `for`.
     auto begin() { return v.begin(); }
