@@ -1,6 +1,7 @@
 #include "KestaArgument.h"
 
 #include "KestaAddressCodec.h"
+#include "KestaAddressNumber.h"
 #include "KestaAddresses.h"
 #include "KestaDebug.h"
 #include "KestaIPv4Address.h"
@@ -11,7 +12,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
@@ -193,7 +193,7 @@ std::string explanation(const std::string& strText, const CKestaAddressInterval&
     KestaIPv4Number last;
     if (isUsual(strBlock.c_str(), first, last))
         return "holds every address from " + endsOf(addresses);
-    const std::string strReading = "is read as " + endsOf(addresses);
+    std::string strReading = "is read as " + endsOf(addresses);
     const std::size_t ulLast = strBlock.rfind(".*");
     if (ulLast == std::string::npos || ulLast + 2 != strBlock.size())
         return strReading;
@@ -204,7 +204,7 @@ std::string explanation(const std::string& strText, const CKestaAddressInterval&
 
 bool isPlain(std::string_view text)
 {
-    if (text.find('/') != text.npos)
+    if (text.find('/') != std::string_view::npos)
         return true;   // a block, whose address has its usual form
     const std::string strText(text);
     const char* const pszIPv4 = ipv4Part(strText);

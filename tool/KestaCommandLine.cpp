@@ -100,14 +100,19 @@ private:
     // The parser would take a text in brackets for a list of texts.
     static void refuseBrackets(int argc, char** argv)
     {
-        for (int i = 1; i < argc; ++i)
+        const std::vector<std::string_view> arguments(argv, argv + argc);
+        const auto takesFiles = [](std::string_view text)
         {
-            const std::string_view text(argv[i]);
-            if (!text.empty() && text.front() == '[' && text.back() == ']')
-                throw CKestaToolError("argument " + inQuotes(text) +
-                                      ": write addresses without brackets; for a file of that "
-                                      "name use ./" +
-                                      std::string(text));
+            return text == "filter" || text == "log";
+        };
+        for (const std::string_view text : arguments)
+        {
+            if (text.empty() || text.front() != '[' || text.back() != ']')
+                continue;
+            const bool bFiles = std::any_of(arguments.begin(), arguments.end(), takesFiles);
+            throw CKestaToolError("argument " + inQuotes(text) +
+                                  ": write addresses without brackets" +
+                                  (bFiles ? ", and ./ before the name of a file" : ""));
         }
     }
 

@@ -1,6 +1,7 @@
 #include "KestaArgument.h"
 #include "KestaCommand.h"
 #include "KestaCommands.h"
+#include "KestaFilterLine.h"
 #include "KestaFilterScanner.h"
 #include "KestaInput.h"
 #include "KestaOutput.h"
@@ -15,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <vector>
 

@@ -1,10 +1,12 @@
 #include "KestaFilterLine.h"
 
 #include "KestaAddressCodec.h"
+#include "KestaAddressNumber.h"
 #include "KestaToolText.h"
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include <netinet/in.h>
 
@@ -90,7 +92,7 @@ std::string_view withoutDots(std::string_view text)
 bool isPort(std::string_view text)
 {
     return text.size() <= 6 && text.front() == ':' &&
-           text.find_first_not_of("0123456789", 1) == text.npos;
+           text.find_first_not_of("0123456789", 1) == std::string_view::npos;
 }
 
 bool readIPv4(std::string_view part, CKestaAddress& address)
@@ -125,7 +127,7 @@ bool readIPv6(std::string_view word, CKestaAddress& address)
     char szWord[INET6_ADDRSTRLEN] = {};
     word.copy(szWord, word.size());
     address.bIPv6 = true;
-    if (word.find('.') == word.npos)
+    if (word.find('.') == std::string_view::npos)
     {
         const char* const pszEnd = CKestaAddressCodec::scanIPv6(szWord, address.number);
         return pszEnd != nullptr && *pszEnd == '\0';
@@ -160,7 +162,7 @@ std::string_view CKestaFilterField::of(std::string_view line) const
 
 bool readField(std::string_view text, CKestaAddress& address)
 {
-    if (text.find_first_of(blanks) != text.npos)
+    if (text.find_first_of(blanks) != std::string_view::npos)
         return false;   // the system would ignore what follows a blank
     std::string_view port;
     const std::size_t ulColon = text.find(':');
@@ -172,12 +174,13 @@ bool readField(std::string_view text, CKestaAddress& address)
         port = text.substr(ulBracket + 1);
         text = text.substr(1, ulBracket - 1);
     }
-    else if (ulColon != text.npos && ulColon == text.rfind(':'))   // IPv6 has two at least
+    else if (ulColon != std::string_view::npos &&
+             ulColon == text.rfind(':'))   // IPv6 has two at least
     {
         port = text.substr(ulColon);
         text = text.substr(0, ulColon);
     }
-    return (port.empty() || isPort(port)) && text.find_first_of(".:") != text.npos &&
+    return (port.empty() || isPort(port)) && text.find_first_of(".:") != std::string_view::npos &&
            readAddress(text, address);
 }
 

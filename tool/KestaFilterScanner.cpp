@@ -3,6 +3,7 @@
 #include "KestaAddressNumber.h"
 
 #include <cstring>
+#include <optional>
 
 namespace
 {

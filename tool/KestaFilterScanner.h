@@ -1,6 +1,7 @@
 #ifndef KESTA_FILTER_SCANNER_H
 #define KESTA_FILTER_SCANNER_H
 
+#include "KestaAddresses.h"
 #include "KestaFilterLine.h"
 #include "KestaIPRangeSet.h"
 

@@ -7,6 +7,7 @@
 #include "KestaIPUtilities.h"
 #include "KestaJson.h"
 #include "KestaOutput.h"
+#include "KestaRangeEntry.h"
 #include "KestaString.h"
 #include "KestaTable.h"
 #include "KestaToolError.h"

@@ -1,3 +1,4 @@
+#include "KestaAddressNumber.h"
 #include "KestaAddresses.h"
 #include "KestaArgument.h"
 #include "KestaCommand.h"
@@ -15,7 +16,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <stdexcept>

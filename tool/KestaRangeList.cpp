@@ -47,7 +47,7 @@ void CKestaRangeList::addFile(const std::string& strPath)
     };
     for (std::string_view bytes = input.readFirst(); !bytes.empty(); bytes = input.read())
     {
-        for (std::size_t ulNewline; (ulNewline = bytes.find('\n')) != bytes.npos;)
+        for (std::size_t ulNewline; (ulNewline = bytes.find('\n')) != std::string_view::npos;)
         {
             addLine(strBegun.empty() ? bytes.substr(0, ulNewline)
                                      : strBegun.append(bytes, 0, ulNewline));
