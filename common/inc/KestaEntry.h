@@ -1,7 +1,8 @@
 #ifndef KESTA_ENTRY_H
 #define KESTA_ENTRY_H
 
-#include "KestaDebug.h"
+#include "KestaDebug.h"   // IWYU pragma: export
+#include "KestaExport.h"
 
 /// An entry into the library: `initialize()` when it is made, `unInitialize()` when it goes out of
 /// scope, whichever way that happens: an exception, an early return or a cancelled thread leaves no

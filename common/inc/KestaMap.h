@@ -209,13 +209,13 @@ private:
     }
 
     template <class TKey>
-    static constexpr auto canBeAppended(int)
+    static constexpr auto canBeAppended(int /*preferred*/)
         -> decltype(std::declval<CKestaString&>() += std::declval<const TKey&>(), true)
     {
         return true;
     }
     template <class TKey>
-    static constexpr bool canBeAppended(long)
+    static constexpr bool canBeAppended(long /*otherwise*/)
     {
         return false;
     }

@@ -1,5 +1,7 @@
 #include "KestaEntry.h"
 
+#include "KestaDebug.h"
+
 CKestaEntry::CKestaEntry()
 {
     CKestaDebug::beginEntry();

@@ -6,8 +6,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <pthread.h>
-
 #ifndef KESTA_DEFAULT_INSTALLED_DIR
 #define KESTA_DEFAULT_INSTALLED_DIR "/opt/fernhold/"
 #endif

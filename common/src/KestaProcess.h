@@ -3,7 +3,6 @@
 
 #include <cerrno>
 #include <new>
-#include <utility>
 
 #include <pthread.h>
 

@@ -2,6 +2,7 @@
 
 #include "KestaAddressCodec.h"
 #include "KestaException.h"
+#include "KestaString.h"
 #include "KestaTextDetail.h"
 
 #include <cstring>
