@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -17,8 +16,6 @@
 
 namespace
 {
-
-constexpr std::uint32_t uNoRange = std::numeric_limits<std::uint32_t>::max();
 
 // A slot names its first interval or, marked by this bit, a part of its own.
 constexpr std::uint32_t uPartMark = 0x80000000;
