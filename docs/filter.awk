@@ -41,14 +41,15 @@ header in group && !opened && /^$/ {
     opened = 1
     $0 = "/** @addtogroup " group[header] " */ /** @{ */"
 }
-# Default copying needs no documentation; nor do macros that hide functions.
+# Default copying needs no documentation; nor do macros that hide functions, and
+# the symbol that only the linker needs.
 /^ +[^(]*\(const [A-Za-z0-9_]+& [a-zA-Z]+\) = default;( *\/\/.*)?$/ { $0 = "" }
-header in group && /^#define [A-Z0-9_]+\(/ { $0 = "" }
+header in group && /^#define [A-Z0-9_]+\(|KESTA_ABI/ { $0 = "" }
 # Members without a blank line between them share the comment of the first.
 header in group {
-    if (ended && /^    [a-zA-Z]/)
-        sub(/^    /, "    /** As the one above. */ ")
-    ended = /^    .*[;}]$/ && !/^     /
+    if (ended && /^(    [a-zA-Z]|template)/)
+        sub(/^ */, "&/** As the one above. */ ")
+    ended = /^    .*[;}]$/ && !/^     / || /^}$/
 }
 
 # Headings of pages get the names that links use, made unique by the name of the file.

@@ -14,7 +14,7 @@ template <class T>
 class CKestaArray
 {
 public:
-    typedef typename std::deque<T>::value_type value_type;
+    typedef typename std::deque<T>::value_type value_type;   ///< for algorithms and adapters
     typedef typename std::deque<T>::reference reference;
     typedef typename std::deque<T>::const_reference const_reference;
     typedef typename std::deque<T>::iterator iterator;

@@ -57,7 +57,7 @@ public:
     int compareTwoIPv6Addresses(const sockaddr_in6* other) const;
 
     /// True when the address must not be used: it is of a class that a flag excludes, an
-    /// IPv4-compatible address (::a.b.c.d other than ::1), or ::. IPv4-mapped addresses
+    /// IPv4-compatible address (::10.1.2.3 is one, ::1 is not), or ::. IPv4-mapped addresses
     /// and ::1 pass. REQUIRES: the pointer is not null.
     static bool CheckUnAllowedIPv6AddressTypes(const sockaddr_in6* sa);
 

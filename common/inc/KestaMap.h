@@ -43,7 +43,7 @@ class CKestaMap
     typedef std::map<K, V, std::less<K>> CStlMap;
 
 public:
-    typedef K key_type;
+    typedef K key_type;   ///< for algorithms and adapters
     typedef V mapped_type;
     typedef typename CStlMap::value_type value_type;
     typedef typename CStlMap::reference reference;

@@ -13,7 +13,7 @@ template <class T>
 class CKestaStack
 {
 public:
-    typedef T value_type;
+    typedef T value_type;   ///< for algorithms and adapters
 
     CKestaStack() = default;
     CKestaStack(const CKestaStack& other) = default;

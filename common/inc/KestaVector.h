@@ -15,7 +15,7 @@ template <class T>
 class CKestaVector
 {
 public:
-    typedef typename std::vector<T>::value_type value_type;
+    typedef typename std::vector<T>::value_type value_type;   ///< for algorithms and adapters
     typedef typename std::vector<T>::reference reference;
     typedef typename std::vector<T>::const_reference const_reference;
     typedef typename std::vector<T>::iterator iterator;
