@@ -49,7 +49,7 @@ header in group && /^#define [A-Z0-9_]+\(|KESTA_ABI/ { $0 = "" }
 header in group {
     if (ended && /^(    [a-zA-Z]|template)/)
         sub(/^ */, "&/** As the one above. */ ")
-    ended = /^    .*[;}]$/ && !/^     / || /^}$/
+    ended = /^    .*[;}]( *\/\/\/<.*)?$/ && !/^     / || /^}$/
 }
 
 # Headings of pages get the names that links use, made unique by the name of the file.
