@@ -21,19 +21,20 @@ using EntriesTest = TraceFixture;
 
 static void inThread(const std::function<void()>& work) { std::thread(work).join(); }
 
-/// A thread that has started its work.
-static std::thread begun(const std::function<void()>& work)
+/// A thread that has begun its work and is blocked in it.
+static std::thread blocked(const std::function<void()>& work)
 {
-    std::promise<void> promise;
-    const std::future<void> start = promise.get_future();
+    std::promise<pid_t> number;
     std::thread thread(
-        [work](std::promise<void> started)
+        [&number, work]
         {
-            started.set_value();
+            number.set_value(gettid());
             work();
-        },
-        std::move(promise));
-    start.wait();
+        });
+    const std::string status =
+        "/proc/self/task/" + std::to_string(number.get_future().get()) + "/stat";
+    while (fileText(status).find(") S ") == std::string::npos)
+        std::this_thread::yield();
     return thread;
 }
 
@@ -164,8 +165,7 @@ TEST_F(EntriesTest, HostsMayHoldTheMutexThemselves)
     {
         std::filesystem::remove(logPath());
         pthread_mutex_lock(&ghMutex);
-        std::thread waiting = begun([this] { traceLine("waited"); });
-        usleep(1000);   // usually long enough to get there
+        std::thread waiting = blocked([this] { traceLine("waited"); });
         release();
         waiting.join();
         EXPECT_EQ(messages(), Lines{"waited"});
@@ -328,6 +328,29 @@ TEST_F(EntriesTest, OutliveTheirThread)
     pthread_key_delete(lastMoment);
 }
 
+// The system keeps the number of a main thread until its process ends.
+TEST_F(EntriesTest, OutliveTheMainThread)
+{
+    if (addressSanitizer)
+        GTEST_SKIP();
+    const auto endInChild = [this]
+    {
+        const pid_t child = fork();
+        if (child == 0)   // this thread is the main thread now, and returns
+        {
+            alarm(60);
+            initialize();
+            std::thread([this] { traceLine("after it"), _exit(0); }).detach();
+            return;
+        }
+        int status = -1;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0);
+    };
+    inThread(endInChild);
+    EXPECT_EQ(messages(), Lines{"after it"});
+}
+
 // Neither an entry without tracing nor a fork waits for a line that is being enciphered.
 TEST_F(EntriesTest, WaitForNoCipher)
 {
@@ -413,13 +436,12 @@ TEST_F(EntriesTest, MayBeCancelledWhileTheyWait)
     if (addressSanitizer)
         GTEST_SKIP();
     const CKestaEntry entry;
-    std::thread waiting = begun(
+    std::thread waiting = blocked(
         []
         {
             initialize();
             ADD_FAILURE() << "there can't be two";
         });
-    usleep(1000);   // usually long enough to get there
     pthread_cancel(waiting.native_handle());
     waiting.join();
     KESTA_DEBUG1("still in progress", 1);
@@ -511,15 +533,15 @@ TEST_F(EntriesTest, OfTheParentAreNotTheChildsToRollOver)
         inChild(
             [this]
             {
-                std::thread waiting = begun([this] { traceLine("thread of the child"); });
-                usleep(1000);   // usually long enough to get there
+                std::thread waiting = blocked([this] { traceLine("thread of the child"); });
+                KESTA_DEBUG1("first", 1);
                 unInitialize();
                 waiting.join();
             });
         inChild([this] { traceLine("own"); });
-        EXPECT_EQ(messages(), (Lines{"parent", "child", "thread of the child", "own"}));
+        EXPECT_EQ(messages(), (Lines{"parent", "child", "first", "thread of the child", "own"}));
     }
-    EXPECT_EQ(Lines(fileText(oldLogPath())).size(), 4u);
+    EXPECT_EQ(Lines(fileText(oldLogPath())).size(), 5u);
 }
 
 // Two processes have the log open; the second to end must not roll over the new log.

@@ -109,8 +109,7 @@ bool endWithoutLog()
     return true;
 }
 
-// Ends the entry in progress if nobody can be expected to: its thread has ended or, in a forked
-// child, it is the parent's, and this thread begins one of its own.
+// Ends the entry in progress if nobody else can be expected to.
 void endAbandoned()
 {
     const CKestaNoCancellation noCancellation;
@@ -118,7 +117,7 @@ void endAbandoned()
     bool bAbandoned;
     {
         const CKestaLock lock(hState);
-        bAbandoned = CKestaEntries::isLeftBehind() || CKestaEntries::isInherited();
+        bAbandoned = CKestaEntries::isAbandoned();
     }
     if (bAbandoned)
         endInProgress(log);
@@ -146,15 +145,12 @@ unsigned long takeMutex()
     {
         {
             const CKestaLock lock(hState);
-            if (!CKestaEntries::isInherited())
+            if (pthread_mutex_trylock(&ghMutex) == 0)
+                return CKestaEntries::begin();
+            if (!CKestaEntries::isAbandoned())
             {
-                if (pthread_mutex_trylock(&ghMutex) == 0)
-                    return CKestaEntries::begin();
-                if (!CKestaEntries::isLeftBehind())
-                {
-                    waitForRelease();
-                    continue;
-                }
+                waitForRelease();
+                continue;
             }
         }
         endAbandoned();
@@ -184,12 +180,20 @@ bool setUpLog(unsigned long ulEntry, const CKestaString& strFilePath, bool bEncr
     return bOpen;
 }
 
+// Lets the end of this thread be noticed.
+void watchThread()
+{
+    if (bThreadEndKnown)
+        pthread_setspecific(hThreadEnd, &hThreadEnd);   // any value
+}
+
 // Begins an entry with tracing.
 void beginTraced(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
                  const CKestaTraceSettings& settings)
 {
     const unsigned long ulEntry = takeMutex();
     const CKestaNoCancellation noCancellation;
+    watchThread();
     try
     {
         if (!setUpLog(ulEntry, strFilePath, bEncrypted, iLevel, settings) &&
@@ -208,8 +212,7 @@ void beginIdle()
 {
     const CKestaLock lock(hState);
     CKestaEntries::beginIdle();
-    if (bThreadEndKnown)
-        pthread_setspecific(hThreadEnd, &hThreadEnd);   // any value: the thread's end is noticed
+    watchThread();
 }
 
 void endThread(void* /*pValue*/)
@@ -225,6 +228,18 @@ bool isLogOfOthers()
         return false;
     const CKestaLock lock(hState);
     return CKestaEntries::isOthers();
+}
+
+// Calls `use` with the log, unless this thread must leave that alone. This is tested before waiting
+// for the log, and once more: an entry of another thread may have begun meanwhile.
+template <class TUse>
+void useLog(TUse use)
+{
+    if (isLogOfOthers())
+        return;
+    const CLogUse log;
+    if (!isLogOfOthers())
+        use(log);
 }
 
 // A process may be forked at any moment. The child must find all locks free, and no entry of a
@@ -362,12 +377,13 @@ catch (const std::bad_alloc&)
 
 void CKestaDebug::enable(bool bEnable)
 {
-    if (isLogOfOthers())
-        return;
-    const CLogUse log;
-    const CKestaLock lock(hState);
-    log->enable(bEnable);
-    publish();
+    useLog(
+        [bEnable](const CLogUse& log)
+        {
+            const CKestaLock lock(hState);
+            log->enable(bEnable);
+            publish();
+        });
 }
 
 void CKestaDebug::writeMessage(const CKestaString& strMessage)
@@ -377,8 +393,7 @@ try
         return;
     pthread_testcancel();
     const CKestaErrno error;
-    if (!isLogOfOthers())
-        CLogUse()->writeText(KestaTextDetail::upToNul(strMessage));
+    useLog([&](const CLogUse& log) { log->writeText(KestaTextDetail::upToNul(strMessage)); });
 }
 catch (const std::bad_alloc&)
 {
@@ -392,8 +407,8 @@ try
     using KestaTextDetail::upToNul;
     pthread_testcancel();   // a trace call is cancelled only here: lines stay whole
     const CKestaErrno error;
-    if (!isLogOfOthers())
-        CLogUse()->writeLine(upToNul(itemType), upToNul(source), upToNul(message), iLevel);
+    useLog([&](const CLogUse& log)
+           { log->writeLine(upToNul(itemType), upToNul(source), upToNul(message), iLevel); });
 }
 catch (const std::bad_alloc&)
 {

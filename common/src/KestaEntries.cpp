@@ -23,7 +23,7 @@ long lIdle = 0;   // the entries without tracing of all threads in this round
 
 unsigned long ulLast = 0;   // the number of the last entry with tracing
 unsigned long ulInProgress = 0;
-pid_t iOwner = 0;   // the thread that began it
+pid_t iOwner = 0;   // the thread that began it; 0 when it was the main thread, which has ended
 bool bInherited = false;
 
 long& ownIdle()
@@ -32,6 +32,12 @@ long& ownIdle()
         own.lIdle = 0;
     own.ulRound = ulRound;
     return own.lIdle;
+}
+
+// True when this thread began the entry in progress.
+bool isOwn()
+{
+    return ulInProgress != 0 && own.ulTraced == ulInProgress;
 }
 
 void removeIdle(long lCount)
@@ -63,7 +69,7 @@ unsigned long CKestaEntries::inProgress()
 
 bool CKestaEntries::isOthers()
 {
-    return ulInProgress != 0 && own.ulTraced != ulInProgress && ownIdle() > 0;
+    return ulInProgress != 0 && !isOwn() && ownIdle() > 0;
 }
 
 bool CKestaEntries::mayBeIdle()
@@ -84,15 +90,22 @@ void CKestaEntries::end()
     bInherited = false;
 }
 
-bool CKestaEntries::isLeftBehind()
+bool CKestaEntries::isAbandoned()
 {
-    return ulInProgress != 0 && tgkill(getpid(), iOwner, 0) != 0 && errno == ESRCH;
+    if (ulInProgress == 0)
+        return false;
+    return (bInherited && isOwn()) || iOwner == 0 ||
+           (tgkill(getpid(), iOwner, 0) != 0 && errno == ESRCH);
 }
 
 void CKestaEntries::endThread()
 {
     removeIdle(ownIdle());
     ownIdle() = 0;
+    // The system keeps the main thread's number until the process ends. The others may still end
+    // their entries, in destructors that run after this.
+    if (isOwn() && iOwner == getpid())
+        iOwner = 0;
 }
 
 bool CKestaEntries::continueInChild()
@@ -100,7 +113,7 @@ bool CKestaEntries::continueInChild()
     lIdle = ownIdle();
     if (ulInProgress == 0)
         return true;
-    bInherited = own.ulTraced == ulInProgress;
+    bInherited = isOwn();
     iOwner = gettid();
     if (!bInherited)
         ulInProgress = 0;

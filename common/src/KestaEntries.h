@@ -39,10 +39,12 @@ public:
     /// The entry in progress is over.
     static void end();
 
-    /// True when the thread that began the entry in progress has ended. Costs a system call.
-    static bool isLeftBehind();
+    /// True when this thread, which is about to begin an entry, waits in vain for the end of the
+    /// entry in progress: the thread that began it has ended or, in a forked child, it is this
+    /// thread's own, begun before the fork. Costs a system call.
+    static bool isAbandoned();
 
-    /// This thread ends. Nobody will end its entries without tracing.
+    /// This thread ends. Nobody need end its entries without tracing.
     static void endThread();
 
     /// This process has just been forked, and has no thread but this one. Returns false if the
