@@ -2,7 +2,6 @@
 
 #include "KestaCommand.h"
 #include "KestaCommands.h"
-#include "KestaDebug.h"
 #include "KestaEntry.h"
 #include "KestaException.h"
 #include "KestaHostSetup.h"
