@@ -156,13 +156,13 @@ void CIndex<TNumber>::cut()
     {
         while (!heap.empty())
         {
-            const CAdded& top = *heap.front();
-            if (top.last >= current)
+            const TNumber last = heap.front()->last;   // a copy: the field is packed
+            if (last >= current)
             {
-                append(std::min<TNumber>(top.last, limit), top.uRange);
-                if (top.last >= limit)
+                append(std::min(last, limit), heap.front()->uRange);
+                if (last >= limit)
                     return;
-                current = top.last + 1;
+                current = last + 1;
             }
             std::pop_heap(heap.begin(), heap.end(), isAddedLater);
             heap.pop_back();
