@@ -9,6 +9,7 @@
 #include "KestaConfiguration.h"
 #include "KestaDate.h"
 #include "KestaIPRange.h"
+#include "KestaIPRangeSet.h"
 #include "KestaIPUtilities.h"
 #include "KestaMap.h"
 #include "KestaStack.h"
@@ -248,6 +249,18 @@ TEST(NaturalUse, Containers)
     const CKestaMap<std::pair<int, int>, int> pairs{{{1, 2}, 3}};
     EXPECT_EQ(pairs.get({1, 2}), 3);
     EXPECT_EQ(errorOf([&] { pairs.get({2, 1}); }), "! CKestaMap::get(). KEY=");
+}
+
+TEST(NaturalUse, SetsOfRanges)
+{
+    KestaIPRangeSet set;
+    const std::string standard("10.2.0.0/16");
+    const KestaIPv4Address address("10.3.0.9");
+    check({ROW(set.add("10.1.0.0/16"), "0"), ROW(set.add(standard), "1"),
+        ROW(set.add(CKestaString("10.3.0.1-10.3.0.9")), "2"), ROW(set.add("::1"sv), "3"),
+        ROW(set.add(KestaIPRange("10.4.*.*")), "4"), ROW(set.addBlock(address, 32), "5"),
+        ROW((set.build(), set.indexOf(address)), "2"), ROW(set.indexOf(&address), "2"),
+        ROW(set.isMember(in6addr_loopback), "1"), ROW(set.isMember(nullptr), "0")});
 }
 
 template <class Left, class Right, class = void>
