@@ -10,6 +10,9 @@
 namespace
 {
 
+// A smoke test: the model reads a file as the library does, so it notices when the two drift apart
+// for any bytes, but not what both misunderstand. The tables of configuration_test.cpp say what is
+// right.
 typedef std::map<std::string, std::string> Model;
 
 bool split(const std::string& line, std::string& key, std::string& value)

@@ -56,8 +56,7 @@ CKestaLogFacts::CKestaLogFacts()
     readSettings();
 
     CKestaConfiguration::setDebugInfo(configuration.strPath);
-    const CKestaString strSwitch = CKestaConfiguration::getDebugInfo();
-    bSwitchedOn = strSwitch == "Y" || strSwitch == "y";
+    bSwitchedOn = isOn(CKestaConfiguration::getDebugInfo());
     iLevel = CKestaConfiguration::getDebugLevel();
     iSizeLimit = sizeLimit(CKestaConfiguration::getDebugSize());
 

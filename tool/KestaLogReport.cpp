@@ -60,7 +60,7 @@ std::string meaningOf(const std::string& strKey, const std::string& strValue)
 {
     const int iNumber = std::atoi(strValue.c_str());
     if (strKey == "DEBUG")
-        return strValue == "Y" || strValue == "y" ? "on" : "off";
+        return isOn(strValue) ? "on" : "off";
     if (strKey == "DEBUGLEVEL")
         return iNumber == 0 ? "0, no log" : std::to_string(iNumber);
     if (strKey == "DEBUGSIZE")

@@ -5,123 +5,72 @@
 #include "KestaSettingsReader.h"
 #include "KestaTraceSettings.h"
 
-#include <optional>
+#include <memory>
 #include <string>
-#include <string_view>
+#include <tuple>
 
 namespace
 {
 
-/// The settings of the process.
-struct CSettings
+bool areEqual(const CKestaTraceSettings& left, const CKestaTraceSettings& right)
 {
-    CKestaString m_strInstalledDir;
-    CKestaString m_strDataDir;
-    CKestaString m_strDebugItems = "ALL";
-    CKestaString m_stdDebugFile;   // sic: established name
-    CKestaString m_strConfFile;    // reserved
-    CKestaString m_strDebugEnabled;
-    CKestaString m_strNewFile;
-    int m_iDebugLevel = 0;
-    int m_iDebugSize = 0;
-};
-
-CKestaImmortal<CSettings>& theSettings()
-{
-    static CKestaImmortal<CSettings> settings;
-    return settings;
+    const auto valuesOf = [](const CKestaTraceSettings& settings)
+    {
+        return std::tie(settings.strInstalledDir, settings.strDataDir, settings.strDebugItems,
+                        settings.strDebugFile, settings.strDebugEnabled, settings.strNewFile,
+                        settings.iDebugLevel, settings.iDebugSize);
+    };
+    return valuesOf(left) == valuesOf(right);
 }
 
-// When the library is unloaded, or the process ends, the settings give their memory back. They can
-// still be used.
-[[gnu::destructor]] void giveMemoryBack()
+void apply(const CKestaSetting& found, CKestaTraceSettings& settings)
 {
-    const CKestaLock lock(hKestaSettingsMutex);
-    theSettings().renew();
+    const CKestaString strValue(found.value);
+    if (found.key == "DEBUGFILEPATH")
+        settings.strDebugFile = strValue;
+    else if (found.key == "DEBUG")
+        settings.strDebugEnabled = strValue;
+    else if (found.key == "DEBUGLEVEL")
+        settings.iDebugLevel = strValue.toInt();
+    else if (found.key == "DEBUGITEMS")
+        settings.strDebugItems = strValue;
+    else if (found.key == "DEBUGSIZE")
+        settings.iDebugSize = strValue.toInt();
+    else if (found.key == "DEBUGNEWFILE")
+        settings.strNewFile = strValue;
 }
 
-/// A copy of one setting, made while no other thread changes it.
-template <class T>
-T copyOf(T CSettings::*pSetting)
-{
-    const CKestaLock lock(hKestaSettingsMutex);
-    return theSettings().get().*pSetting;
-}
-
-/// What a reading has found. A setting that was not found keeps its value.
-struct CFindings
-{
-    std::optional<CKestaString> strInstalledDir;
-    std::optional<CKestaString> strDataDir;
-    std::optional<CKestaString> strDebugItems;
-    std::optional<CKestaString> strDebugFile;
-    std::optional<CKestaString> strDebugEnabled;
-    std::optional<CKestaString> strNewFile;
-    std::optional<int> iDebugLevel;
-    std::optional<int> iDebugSize;
-
-    int read(const CKestaString& strPath);
-    void take(const CKestaSetting& setting);
-    void publish();
-};
-
-int CFindings::read(const CKestaString& strPath)
+int read(const CKestaString& strPath, CKestaTraceSettings& settings)
 {
     CKestaSettingsReader reader(strPath.c_str());
     if (!reader.isOpen())
         return -1;
-    CKestaSetting setting;
-    while (reader.next(setting))
-        take(setting);
+    CKestaSetting found;
+    while (reader.next(found))
+        apply(found, settings);
     return 0;
 }
 
-void CFindings::take(const CKestaSetting& setting)
+/// Changes a copy of the settings, and replaces them with it: other threads see all the changes or
+/// none, and an error changes nothing. If another thread replaces them meanwhile, begins again, so
+/// that the changes of both count. Settings that stay equal are not replaced, so threads that only
+/// read the same file again don't get into each other's way.
+template <class Change>
+int changeSettings(Change change)
 {
-    if (setting.key == "DEBUGFILEPATH")
-        strDebugFile.emplace(setting.value);
-    else if (setting.key == "DEBUG")
-        strDebugEnabled.emplace(setting.value);
-    else if (setting.key == "DEBUGLEVEL")
-        iDebugLevel = CKestaString(setting.value).toInt();
-    else if (setting.key == "DEBUGITEMS")
-        strDebugItems.emplace(setting.value);
-    else if (setting.key == "DEBUGSIZE")
-        iDebugSize = CKestaString(setting.value).toInt();
-    else if (setting.key == "DEBUGNEWFILE")
-        strNewFile.emplace(setting.value);
-}
-
-// All at once, and without allocating: readers see the values of one file only, and a reading that
-// runs out of memory changes nothing.
-void CFindings::publish()
-{
-    const auto takeText = [](CKestaString& strSetting, std::optional<CKestaString>& found)
+    const CKestaNoCancellation noCancellation;
+    for (;;)
     {
-        if (found.has_value())
-            strSetting.swap(*found);
-    };
-    const CKestaLock lock(hKestaSettingsMutex);
-    CSettings& settings = theSettings().get();
-    takeText(settings.m_strInstalledDir, strInstalledDir);
-    takeText(settings.m_strDataDir, strDataDir);
-    takeText(settings.m_strDebugItems, strDebugItems);
-    takeText(settings.m_stdDebugFile, strDebugFile);
-    takeText(settings.m_strDebugEnabled, strDebugEnabled);
-    takeText(settings.m_strNewFile, strNewFile);
-    settings.m_iDebugLevel = iDebugLevel.value_or(settings.m_iDebugLevel);
-    settings.m_iDebugSize = iDebugSize.value_or(settings.m_iDebugSize);
+        const CKestaSharedSettings pBefore = currentTraceSettings();
+        CKestaTraceSettings settings = *pBefore;
+        const int iResult = change(settings);
+        if (areEqual(settings, *pBefore) ||
+            replaceTraceSettings(pBefore, std::make_shared<CKestaTraceSettings>(settings)))
+            return iResult;
+    }
 }
 
 }   // namespace
-
-CKestaTraceSettings currentTraceSettings()
-{
-    const CKestaLock lock(hKestaSettingsMutex);
-    const CSettings& settings = theSettings().get();
-    return {settings.m_stdDebugFile, settings.m_strDebugEnabled, settings.m_strNewFile,
-            settings.m_iDebugLevel, settings.m_iDebugSize};
-}
 
 CKestaConfiguration::CKestaConfiguration() = default;
 
@@ -129,35 +78,33 @@ CKestaConfiguration::~CKestaConfiguration() = default;
 
 int CKestaConfiguration::initialize(const CKestaString& strConfigurationFile)
 {
-    const CKestaNoCancellation noCancellation;
-    CFindings findings;
-    findings.strInstalledDir = CKestaHostSetup::getParameter(CKestaHostSetup::KESTA_INSTALLED_DIR);
-    findings.strDataDir = CKestaHostSetup::getParameter(CKestaHostSetup::KESTA_DATA_DIR);
-    findings.strDebugItems = "ALL";
-    const int iResult = findings.read(*findings.strInstalledDir + "conf/" + strConfigurationFile);
-    findings.publish();
-    return iResult;
+    return changeSettings(
+        [&](CKestaTraceSettings& settings)
+        {
+            settings.strInstalledDir =
+                CKestaHostSetup::getParameter(CKestaHostSetup::KESTA_INSTALLED_DIR);
+            settings.strDataDir = CKestaHostSetup::getParameter(CKestaHostSetup::KESTA_DATA_DIR);
+            settings.strDebugItems = "ALL";
+            return read(settings.strInstalledDir + "conf/" + strConfigurationFile, settings);
+        });
 }
 
 int CKestaConfiguration::setDebugInfo(const CKestaString& strDebugConf)
 {
-    const CKestaNoCancellation noCancellation;
-    CFindings findings;
-    const int iResult = findings.read(strDebugConf);
-    findings.publish();
-    return iResult;
+    return changeSettings([&](CKestaTraceSettings& settings)
+                          { return read(strDebugConf, settings); });
 }
 
 bool CKestaConfiguration::getKeyValue(const CKestaString& strSource, CKestaString& strKey,
                                       CKestaString& strValue)
 {
-    const CKestaKeyValue found(strSource);
+    const std::string strLine = strSource;   // a result may be the same object as the source
+    const CKestaKeyValue found(strLine);
     if (!found.bFound)
         return false;
-    const CKestaString strFoundKey(std::string(found.key));   // strKey may be the source
+    strKey = CKestaString(found.key);
     if (found.value.has_value())
-        strValue = std::string(*found.value);
-    strKey = strFoundKey;
+        strValue = CKestaString(*found.value);
     return true;
 }
 
@@ -174,40 +121,40 @@ CKestaString CKestaConfiguration::getConfigurationFile()
 
 int CKestaConfiguration::getDebugLevel()
 {
-    return copyOf(&CSettings::m_iDebugLevel);
+    return currentTraceSettings()->iDebugLevel;
 }
 
 int CKestaConfiguration::getDebugSize()
 {
-    return copyOf(&CSettings::m_iDebugSize);
+    return currentTraceSettings()->iDebugSize;
 }
 
 CKestaString CKestaConfiguration::getDebugFile()
 {
-    return copyOf(&CSettings::m_stdDebugFile);
+    return currentTraceSettings()->strDebugFile;
 }
 
 CKestaString CKestaConfiguration::getDebugInfo()
 {
-    return copyOf(&CSettings::m_strDebugEnabled);
+    return currentTraceSettings()->strDebugEnabled;
 }
 
 CKestaString CKestaConfiguration::getDebugItems()
 {
-    return copyOf(&CSettings::m_strDebugItems);
+    return currentTraceSettings()->strDebugItems;
 }
 
 CKestaString CKestaConfiguration::getNewFile()
 {
-    return copyOf(&CSettings::m_strNewFile);
+    return currentTraceSettings()->strNewFile;
 }
 
 CKestaString CKestaConfiguration::getDataDir()
 {
-    return copyOf(&CSettings::m_strDataDir);
+    return currentTraceSettings()->strDataDir;
 }
 
 CKestaString CKestaConfiguration::getInstalledDir()
 {
-    return copyOf(&CSettings::m_strInstalledDir);
+    return currentTraceSettings()->strInstalledDir;
 }

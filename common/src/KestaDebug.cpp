@@ -197,7 +197,7 @@ void beginTraced(const CKestaString& strFilePath, bool bEncrypted, int iLevel,
     try
     {
         if (!setUpLog(ulEntry, strFilePath, bEncrypted, iLevel, settings) &&
-            settings.strDebugEnabled.equals("Y", false))
+            isOn(settings.strDebugEnabled))
             std::fputs("Warning: Fernhold may not be able to Debug!!!\n", stdout);
     }
     catch (...)
@@ -305,12 +305,12 @@ void CKestaDebug::beginEntry()
     pthread_testcancel();   // here, where nothing is held yet
     const CKestaErrno error;
     CKestaConfiguration::initialize(szKestaConfigurationFile);
-    const CKestaTraceSettings settings = currentTraceSettings();
-    if (settings.iDebugLevel == iNoTrace)
+    const CKestaSharedSettings pSettings = currentTraceSettings();
+    const int iLevel = pSettings->iDebugLevel;
+    if (iLevel == iNoTrace)
         beginIdle();
     else
-        beginTraced(settings.strDebugFile, settings.iDebugLevel != iPlainText, settings.iDebugLevel,
-                    settings);
+        beginTraced(pSettings->strDebugFile, iLevel != iPlainText, iLevel, *pSettings);
 }
 
 void CKestaDebug::endEntry()
@@ -342,7 +342,7 @@ int CKestaDebug::initialize(const CKestaString& strFilePath, bool bEncrypted, in
 {
     pthread_testcancel();
     const CKestaErrno error;
-    beginTraced(strFilePath, bEncrypted, iLevel, currentTraceSettings());
+    beginTraced(strFilePath, bEncrypted, iLevel, *currentTraceSettings());
     return 0;
 }
 
@@ -417,14 +417,14 @@ catch (const std::bad_alloc&)
 
 CKestaString CKestaDebug::getLogFile()
 {
-    const CKestaTraceSettings settings = currentTraceSettings();
-    return logFiles(settings.strDebugFile, settings.strNewFile).strLog;
+    const CKestaSharedSettings pSettings = currentTraceSettings();
+    return logFiles(pSettings->strDebugFile, pSettings->strNewFile).strLog;
 }
 
 CKestaString CKestaDebug::getOldLogFile()
 {
-    const CKestaTraceSettings settings = currentTraceSettings();
-    return logFiles(settings.strDebugFile, settings.strNewFile).strOldLog;
+    const CKestaSharedSettings pSettings = currentTraceSettings();
+    return logFiles(pSettings->strDebugFile, pSettings->strNewFile).strOldLog;
 }
 
 void(KESTA_DEBUG1)(CKestaString strMessage, int iLevel)

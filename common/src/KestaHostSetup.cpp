@@ -18,8 +18,8 @@ namespace
 
 struct CParameter
 {
-    char szEnvironment[24];
-    char szDefault[sizeof KESTA_DEFAULT_INSTALLED_DIR + sizeof KESTA_DEFAULT_DATA_DIR];
+    const char* pszEnvironment;
+    const char* pszDefault;
 };
 
 constexpr CParameter parameters[] = {
@@ -69,11 +69,11 @@ CKestaString CKestaHostSetup::getParameter(int iNumber)
     // secure_getenv returns null in a process with raised privileges: whoever starts such a process
     // must not choose where it reads its configuration and writes its log.
     const CParameter& parameter = parameters[iNumber - 1];
-    const char* pszEnvironment = secure_getenv(parameter.szEnvironment);
+    const char* pszEnvironment = secure_getenv(parameter.pszEnvironment);
     if (pszEnvironment != nullptr && *pszEnvironment != '\0' &&
         std::strlen(pszEnvironment) <= KESTA_LONGEST_PARAMETER)
         return pszEnvironment;
-    return parameter.szDefault;
+    return parameter.pszDefault;
 }
 
 void CKestaHostSetup::setLineCipher(LineCipher pCipher)

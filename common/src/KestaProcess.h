@@ -69,13 +69,6 @@ public:
 
     T& get() { return *std::launder(reinterpret_cast<T*>(&m_storage)); }
 
-    /// Restores the initial value, which holds no memory on the heap.
-    void renew()
-    {
-        get().~T();
-        new (&m_storage) T;
-    }
-
 private:
     alignas(T) unsigned char m_storage[sizeof(T)];
 };

@@ -54,7 +54,7 @@ bool CKestaTraceLog::open(const CKestaString& strFilePath, bool bEncrypted, int 
     m_files.strOldLog.swap(files.strOldLog);
     m_iDebugSize = settings.iDebugSize;
     m_iConfiguredLevel = iLevel;
-    m_bConfiguredSwitch = settings.strDebugEnabled == "Y" || settings.strDebugEnabled == "y";
+    m_bConfiguredSwitch = isOn(settings.strDebugEnabled);
     return true;
 }
 
