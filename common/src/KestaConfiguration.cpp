@@ -6,6 +6,7 @@
 #include "KestaTraceSettings.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <tuple>
 

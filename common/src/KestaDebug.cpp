@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <ctime>
 #include <limits>
+#include <memory>
 #include <new>
 
 pthread_mutex_t ghMutex = PTHREAD_MUTEX_INITIALIZER;
