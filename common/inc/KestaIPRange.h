@@ -22,7 +22,9 @@
 ///     2001:db8:1*       the IPv6 block whose prefix is the digits before the star: 2001:db8:1000::
 ///                       to 2001:db8:1fff:ffff:...; "*" alone is all of IPv6
 ///
-/// There is no form with a dash, and no IPv4 prefix. Every range except an IPv6 one with "*" is
+/// There is no form with a dash, and no IPv4 prefix; `KestaIPRangeSet` takes both. But white space
+/// ends an IPv4 text, as in `KestaIPv4Address`: "10.1.0.0 - 10.1.255.255" is the one address
+/// 10.1.0.0, and so is what `<<` writes of a range. Every range except an IPv6 one with "*" is
 /// screened against the exclusion flags of the address classes. The screening always refuses
 /// 0.0.0.0, :: and IPv4-compatible addresses, so "*.*.*.*" and "::/0" throw.
 ///
