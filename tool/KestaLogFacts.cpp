@@ -89,3 +89,16 @@ const CKestaCheckedSetting* CKestaLogFacts::setting(const std::string& strKey) c
                      [&](const CKestaCheckedSetting& setting) { return setting.strKey == strKey; });
     return itLast == settings.rend() ? nullptr : &*itLast;
 }
+
+std::string CKestaLogFacts::valueOrigin(const CKestaCheckedSetting& setting) const
+{
+    std::string strOrigin = "no line";
+    for (const CKestaCheckedSetting& earlier : settings)
+    {
+        if (earlier.ulLine >= setting.ulLine)
+            break;
+        if (!earlier.bTakenOver)
+            strOrigin = "line " + std::to_string(earlier.ulLine);
+    }
+    return strOrigin;
+}

@@ -45,6 +45,9 @@ struct CKestaLogFacts
     /// The last setting of a key, which is the one that counts; or null.
     const CKestaCheckedSetting* setting(const std::string& strKey) const;
 
+    /// The line whose value a setting without one takes over, such as "line 3".
+    std::string valueOrigin(const CKestaCheckedSetting& setting) const;
+
     std::vector<CKestaCheckedVariable> variables;
     std::string strInstalledDir;
     CKestaFileFacts configuration;

@@ -78,7 +78,7 @@ std::string remarksOn(const CKestaLogFacts& facts, const CKestaCheckedSetting& s
 {
     std::string strRemarks;
     if (setting.bTakenOver)
-        strRemarks += ", value taken from the line above";
+        strRemarks += ", value taken from " + facts.valueOrigin(setting);
     if (setting.bCut)
         strRemarks += ", line is split after 1023 bytes";
     const CKestaCheckedSetting* const pCounted = facts.setting(setting.strKey);

@@ -58,8 +58,9 @@ CKestaFinding missingConfiguration(const CKestaLogFacts& facts)
                     " is ignored because the process has raised privileges",
                 "have the host set its installation directory itself"};
     default:
-        return {strWhat, "create it, with the lines DEBUG=Y and DEBUGLEVEL=3, or set " +
-                             variable.strName + " to another installation directory"};
+        return {strWhat,
+                "create it, with the lines DEBUG=Y, DEBUGLEVEL=3 and DEBUGSIZE=500, or set " +
+                    variable.strName + " to another installation directory"};
     }
 }
 
@@ -106,13 +107,14 @@ CKestaFinding missingKey(const CKestaLogFacts& facts, const std::string& strKey,
 }
 
 // Why a setting has not the effect that is wanted.
-CKestaFinding uselessSetting(const CKestaCheckedSetting& setting, const std::string& strWhy,
-                             const std::string& strWanted)
+CKestaFinding uselessSetting(const CKestaLogFacts& facts, const CKestaCheckedSetting& setting,
+                             const std::string& strWhy, const std::string& strWanted)
 {
     const std::string strWhat =
         setting.strKey + " is " + inQuotes(setting.strValue) + " in " + lineOf(setting);
     if (setting.bTakenOver)
-        return {strWhat + ", which has no value and takes that of the line above: " + strWhy,
+        return {strWhat + ", which has no value and takes that of " + facts.valueOrigin(setting) +
+                    ": " + strWhy,
                 "write " + strWanted};
     if (setting.bCut)
         return {strWhat + ", which is too long and read as several lines: " + strWhy,
@@ -132,7 +134,7 @@ CObstacle findInLevel(const CKestaLogFacts& facts)
     if (pSetting == nullptr)
         return missingKey(facts, "DEBUGLEVEL", strWanted);
     const bool bNumber = pSetting->strValue.find_first_of("0123456789") != std::string::npos;
-    return uselessSetting(*pSetting,
+    return uselessSetting(facts, *pSetting,
                           facts.iLevel < 0 ? "lines of higher levels are not written"
                           : bNumber        ? "there is no log at level 0"
                                            : "it is not a number and counts as 0, no log",
@@ -146,7 +148,7 @@ CObstacle findInSwitch(const CKestaLogFacts& facts)
     const CKestaCheckedSetting* const pSetting = facts.setting("DEBUG");
     if (pSetting == nullptr)
         return missingKey(facts, "DEBUG", "DEBUG=Y");
-    return uselessSetting(*pSetting, "only Y and y mean on", "DEBUG=Y");
+    return uselessSetting(facts, *pSetting, "only Y and y mean on", "DEBUG=Y");
 }
 
 CObstacle findInDirectory(const CKestaLogFacts& facts)

@@ -32,8 +32,8 @@ public:
     static bool m_bIPv4SiteLocal;
 
     /// Reads a text as `inet_aton` does: one to four parts in decimal, octal or hexadecimal, so
-    /// "10.1" is 10.0.0.1. White space ends the address, and what follows it is ignored; so is a "%"
-    /// and what follows that. Both stay in the stored text.
+    /// "10.1" is 10.0.0.1. White space ends the address, and what follows it is ignored; so is a
+    /// "%" and what follows that. Both stay in the stored text.
     ///
     /// Throws: `CKestaExc`, "Passed string is not a valid IPv4 address " and the text.
     KestaIPv4Address(const CKestaString& strAddress);

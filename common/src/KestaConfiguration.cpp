@@ -99,7 +99,8 @@ int CKestaConfiguration::setDebugInfo(const CKestaString& strDebugConf)
 bool CKestaConfiguration::getKeyValue(const CKestaString& strSource, CKestaString& strKey,
                                       CKestaString& strValue)
 {
-    const std::string strLine = strSource;   // a result may be the same object as the source
+    // A copy, because a result may be the same object as the source.
+    const std::string strLine(strSource.data(), strSource.size());
     const CKestaKeyValue found(strLine);
     if (!found.bFound)
         return false;
