@@ -23,7 +23,10 @@ public:
     typedef typename std::deque<T>::size_type size_type;
 
     CKestaArray() = default;
+
+    /// Copies of the listed items, in this order.
     CKestaArray(std::initializer_list<T> items) : m_DataCollection(items) {}
+
     CKestaArray(const CKestaArray& other) = default;
     CKestaArray& operator=(const CKestaArray& other) = default;
     virtual ~CKestaArray() = default;

@@ -11,15 +11,19 @@
 #include <utility>
 
 /// The library's one text type: a `std::string` with number formatting, comparison, counting,
-/// trimming and a tokeniser that remembers where it stands.
+/// trimming and a stateful tokeniser.
 ///
 /// It works on bytes and knows no encoding; white space is what the "C" locale calls so. Every
 /// `std::string` operation is available. A text may hold NUL bytes (put there through a
 /// `std::string` operation), but a copy ends before the first of them: constructing, assigning and
 /// comparing look at the C-string form.
 ///
-/// Texts are values. A copy never carries tokeniser state. There is no move, because it would have
-/// to leave the source unchanged, as a copy does.
+/// Texts are values. A copy never carries tokeniser state. Moving copies: the source must stay
+/// unchanged.
+///
+/// A text is constructed implicitly from a `std::string`. So a call with a `std::string` is
+/// ambiguous if the host has one overload for a text and another for something else that a
+/// `std::string` converts to, such as `std::string_view` or `std::filesystem::path`.
 ///
 /// Thread contract: distinct objects are independent. One object may be read from several threads,
 /// but `getNextToken` moves the cursor even of a const object, so one object must not be tokenised
@@ -120,8 +124,7 @@ public:
         return *this + std::string_view(&cText, 1);
     }
 
-    /// The whole of both texts. With a `std::string` on either side, `+` is the one of
-    /// `std::string`, and so is its result.
+    /// The whole of both texts. With a `std::string` on either side, the result is a `std::string`.
     template <class T, std::enable_if_t<isString<T>, int> = 0>
     std::string operator+(T strText) const
     {

@@ -24,7 +24,10 @@ public:
     typedef typename std::vector<T>::size_type size_type;
 
     CKestaVector() = default;
+
+    /// Copies of the listed items, in this order.
     CKestaVector(std::initializer_list<T> items) : v(items) {}
+
     CKestaVector(const CKestaVector& other) = default;   // and no move: it would empty the source
     CKestaVector& operator=(const CKestaVector& other) = default;
     ~CKestaVector() = default;
