@@ -19,20 +19,26 @@
 #include <thread>
 
 #include <netinet/in.h>
+#include <poll.h>
+#include <sys/signalfd.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 namespace
 {
 
-volatile std::sig_atomic_t reload = 1;   // read the list before the first peer
-
-// The peers that are let in. A line that is not an entry lets nobody in.
+// The peers that are let in; null when there is no such file. A line that is not an entry lets
+// nobody in.
 std::shared_ptr<const KestaIPRangeSet> readList(const char* path)
 {
     const CKestaEntry entry;
     auto list = std::make_shared<KestaIPRangeSet>();
     std::ifstream file(path);
+    if (!file)
+    {
+        std::cerr << "can't read " << path << std::endl;
+        return nullptr;
+    }
     for (std::string line; std::getline(file, line);)
     {
         CKestaString text = line.substr(0, line.find('#'));
@@ -102,12 +108,11 @@ void admit(int connection, const sockaddr_in& address, const KestaIPRangeSet& li
 
 int main(int argc, char** argv)
 {
-    struct sigaction onHangUp = {};
-    onHangUp.sa_handler = [](int)
-    {
-        reload = 1;
-    };   // and accept returns
-    sigaction(SIGHUP, &onHangUp, nullptr);
+    sigset_t hangUp;
+    sigemptyset(&hangUp);
+    sigaddset(&hangUp, SIGHUP);
+    sigprocmask(SIG_BLOCK, &hangUp, nullptr);   // interrupts no thread; it is read from hangUps
+    const int hangUps = signalfd(-1, &hangUp, SFD_CLOEXEC);
     std::signal(SIGPIPE, SIG_IGN);
 
     sockaddr_in address = {};
@@ -121,15 +126,23 @@ int main(int argc, char** argv)
     getsockname(server, reinterpret_cast<sockaddr*>(&address), &size);
     std::cout << "port " << ntohs(address.sin_port) << std::endl;
 
-    for (std::shared_ptr<const KestaIPRangeSet> list;;)
+    auto list = readList(argv[1]);
+    while (list != nullptr)
     {
-        if (reload != 0)
+        pollfd events[] = {{hangUps, POLLIN, 0}, {server, POLLIN, 0}};
+        if (poll(events, 2, -1) < 0)
+            continue;
+        signalfd_siginfo info;   // first: a peer that comes after the signal meets the new list
+        if (events[0].revents != 0 && read(hangUps, &info, sizeof info) > 0)
         {
-            reload = 0;
-            list = readList(argv[1]);
+            if (const auto newList = readList(argv[1]))
+                list = newList;
         }
-        const int connection = accept(server, reinterpret_cast<sockaddr*>(&address), &size);
+        const int connection = events[1].revents != 0
+                                   ? accept(server, reinterpret_cast<sockaddr*>(&address), &size)
+                                   : -1;
         if (connection >= 0)
             admit(connection, address, *list);
     }
+    return 1;
 }
