@@ -230,13 +230,15 @@ TEST(NaturalUse, Containers)
     CKestaStack<int> stack;
     const CKestaVector<std::string> source{"d", "e"};
     std::copy(source.begin(), source.end(), std::back_inserter(array));
-    std::transform(numbers.begin(), numbers.end(), std::back_inserter(numbers = {}),
-        [](int number) { return number; });
+    CKestaVector<int> squares;
+    std::transform(numbers.begin(), numbers.end(), std::back_inserter(squares),
+        [](int number) { return number * number; });
     const std::size_t at = 1;
     const unsigned int atUnsigned = 0;
     const char atChar = 2;
     numbers = {4, 5, 6};
     EXPECT_THAT(array, testing::ElementsAre("b", "c", "d", "e"));
+    EXPECT_THAT(squares, testing::ElementsAre(1, 4, 9));
     EXPECT_THAT(map, testing::UnorderedElementsAre(testing::Pair("x", 1), testing::Pair("y", 2)));
     EXPECT_THAT(CKestaVector<int>(), testing::IsEmpty());
     check({ROW(array.getAt(at), "K c"), ROW(array.getAt(1), "K c"),

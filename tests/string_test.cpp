@@ -38,6 +38,50 @@ TEST(String, CopiesAndComparisonsStopAtNul)
     EXPECT_EQ(text, "ab");
 }
 
+TEST(String, BeginsEndsAndCounts)
+{
+    const struct
+    {
+        const char *text, *other;
+        bool begins, ends;
+        int delims, tokens;
+    } rows[] = {{"alpha", "xa", false, true, 0, 0}, {"alpha", "ph", false, false, 1, 2},
+        {"alpha", "al", true, true, 1, 2}, {"alpha", "", true, false, 0, 0},
+        {"", "z", false, true, 0, 0}, {"a,b,", ",", false, true, 2, 3},
+        {"aaa", "aa", true, true, 1, 2}};
+    for (const auto& row : rows)
+    {
+        const CKestaString text(row.text), other(row.other);
+        const std::string shown = text + "/" + other;
+        EXPECT_EQ(text.beginsWith(other), row.begins) << shown;
+        EXPECT_EQ(text.endsWith(other), row.ends) << shown;
+        EXPECT_EQ(text.countDelims(other), row.delims) << shown;
+        EXPECT_EQ(text.countTokens(other), row.tokens) << shown;
+    }
+}
+
+TEST(String, NumbersSpacesAndCase)
+{
+    const std::pair<const char*, int> numbers[] = {
+        {"12abc", 12}, {" -7", -7}, {"0x10", 0}, {"abc", 0}, {"", 0}};
+    for (const auto& [text, want] : numbers)
+        EXPECT_EQ(CKestaString(text).toInt(), want) << text;
+    EXPECT_EQ(CKestaString("1.5e2x").toDouble(), 150);
+    const char* const spaces[][3] = {
+        {" \t a b\v\n", "a b", "ab"}, {"a\fb", "a\fb", "ab"}, {" \r\n", "", ""}};
+    for (const auto& [text, trimmed, removed] : spaces)
+    {
+        CKestaString first(text), second(text);
+        EXPECT_EQ(first.trim(), trimmed);
+        EXPECT_EQ(first, trimmed) << "in place, too";
+        EXPECT_EQ(second.removeSpaces(), removed);
+        EXPECT_EQ(second, removed);
+    }
+    EXPECT_TRUE(CKestaString("Text").equals("tEXT", false));
+    EXPECT_FALSE(CKestaString("Text").equals("tEXT", true));
+    EXPECT_FALSE(CKestaString("Text").equals("Texts", false));
+}
+
 /// The tokens from the cursor on, each in square brackets.
 static std::string rest(const CKestaString& text)
 {
@@ -45,6 +89,16 @@ static std::string rest(const CKestaString& text)
     for (CKestaString token; text.getNextToken(token, "");)
         all += "[" + token + "]";
     return all;
+}
+
+TEST(String, Tokens)
+{
+    CKestaString list("a,,b,"), token("before");
+    EXPECT_TRUE(list.getNextToken(token, ","));
+    EXPECT_EQ(token, "a");
+    EXPECT_EQ(rest(list), "[][b]") << "and none behind the last delimiter";
+    EXPECT_FALSE(list.getNextToken(token, ";")) << "no delimiter, no tokens";
+    EXPECT_EQ(token, "a");
 }
 
 TEST(String, TokensOfCopies)
